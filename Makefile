@@ -1,0 +1,41 @@
+# vdpgl's two commands: `make demo` and `make test`. Everything builds into
+# build/ with CMake and Ninja; the plug-in ends up at build/libvdpgl.so.
+BUILD ?= build
+JOBS ?= $(shell nproc)
+CMAKE_FLAGS ?=
+
+.PHONY: all deps build test bench test-sanitize test-tsan demo clean
+
+all: build
+
+deps:
+	@bash scripts/install-deps
+
+$(BUILD)/build.ninja: CMakeLists.txt | deps
+	cmake -S . -B $(BUILD) -G Ninja $(CMAKE_FLAGS)
+
+build: deps $(BUILD)/build.ninja
+	cmake --build $(BUILD) -j $(JOBS)
+
+test: build
+	ctest --test-dir $(BUILD) --output-on-failure -j $(JOBS)
+
+# Port benchmarks (Google Benchmark); not part of `make test`.
+bench: deps
+	cmake -S . -B $(BUILD)-bench -G Ninja -DCMAKE_BUILD_TYPE=Release -DVDPGL_BUILD_BENCH=ON -DVDPGL_BUILD_TESTS=OFF
+	cmake --build $(BUILD)-bench -j $(JOBS) --target vdpgl_bench
+	$(BUILD)-bench/bench/vdpgl_bench $(BENCH_ARGS)
+
+# The whole suite built with AddressSanitizer and UndefinedBehaviorSanitizer.
+test-sanitize: deps
+	cmake -S . -B $(BUILD)-asan -G Ninja -DCMAKE_BUILD_TYPE=Debug -DVDPGL_SANITIZE=address,undefined
+	cmake --build $(BUILD)-asan -j $(JOBS)
+	ctest --test-dir $(BUILD)-asan --output-on-failure -j $(JOBS)
+
+demo: build
+	@echo "The demo player (vdpgl-play) and its demo traces are not built yet;"
+	@echo "for now 'make test' shows the plug-in at work. See README.md."
+	@exit 1
+
+clean:
+	rm -rf $(BUILD) $(BUILD)-bench $(BUILD)-asan

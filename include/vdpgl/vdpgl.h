@@ -1,0 +1,89 @@
+/* vdpgl: the plug-in's exported interface, as a host sees it.
+ * Every function has C linkage and is exported under its plain name. */
+#ifndef VDPGL_VDPGL_H
+#define VDPGL_VDPGL_H
+
+#include <stdint.h>
+
+#if defined(__GNUC__)
+#define VDPGL_EXPORT __attribute__((visibility("default")))
+#else
+#define VDPGL_EXPORT
+#endif
+
+#ifdef __cplusplus
+#include <cstdbool>
+extern "C" {
+#else
+#include <stdbool.h>
+#endif
+
+/* GetPluginType's answer: a video plug-in. */
+#define VDPGL_PLUGIN_TYPE 0x82
+
+/* Lifecycle. InitVDPPlugin's record is two pointer-size words: the plug-in's
+ * module handle, then the host window (parent of the display window). A null
+ * record reads as two zero words. */
+VDPGL_EXPORT bool InitVDPPlugin(void* record);
+VDPGL_EXPORT void DeInitPlugin(void);
+VDPGL_EXPORT void Reset(void);
+VDPGL_EXPORT void SetupPlugin(void);
+VDPGL_EXPORT void EmulationThreadStarting(void);
+VDPGL_EXPORT void EmulationThreadStoping(void);
+
+/* Information. The buffers must hold the whole text with its zero. */
+VDPGL_EXPORT char* GetPluginName(char* buffer);
+VDPGL_EXPORT char* GetPluginInfos(char* buffer);
+VDPGL_EXPORT uint8_t GetPluginType(void);
+VDPGL_EXPORT void DisplayPluginInfo(void);
+
+/* Blanking events. */
+VDPGL_EXPORT void VDPOnVblankIn(void);
+VDPGL_EXPORT void VDPOnVblankOut(void);
+VDPGL_EXPORT void VDPOnHblankIn(void);
+VDPGL_EXPORT void VDPOnHblankOut(void);
+
+/* Memory and register ports. Addresses are masked by each memory's size. */
+VDPGL_EXPORT void WriteByteVDP1FrameBuffer(uint32_t address, uint8_t value);
+VDPGL_EXPORT void WriteWordVDP1FrameBuffer(uint32_t address, uint16_t value);
+VDPGL_EXPORT void WriteLongVDP1FrameBuffer(uint32_t address, uint32_t value);
+VDPGL_EXPORT uint8_t ReadByteVDP1FrameBuffer(uint32_t address);
+VDPGL_EXPORT uint16_t ReadWordVDP1FrameBuffer(uint32_t address);
+VDPGL_EXPORT uint32_t ReadLongVDP1FrameBuffer(uint32_t address);
+
+VDPGL_EXPORT void WriteByteVDP1VRAM(uint32_t address, uint8_t value);
+VDPGL_EXPORT void WriteWordVDP1VRAM(uint32_t address, uint16_t value);
+VDPGL_EXPORT void WriteLongVDP1VRAM(uint32_t address, uint32_t value);
+VDPGL_EXPORT uint8_t ReadByteVDP1VRAM(uint32_t address);
+VDPGL_EXPORT uint16_t ReadWordVDP1VRAM(uint32_t address);
+VDPGL_EXPORT uint32_t ReadLongVDP1VRAM(uint32_t address);
+
+VDPGL_EXPORT void WriteByteVDP2Regs(uint32_t address, uint8_t value);
+VDPGL_EXPORT void WriteWordVDP2Regs(uint32_t address, uint16_t value);
+VDPGL_EXPORT void WriteLongVDP2Regs(uint32_t address, uint32_t value);
+VDPGL_EXPORT uint8_t ReadByteVDP2Regs(uint32_t address);
+VDPGL_EXPORT uint16_t ReadWordVDP2Regs(uint32_t address);
+VDPGL_EXPORT uint32_t ReadLongVDP2Regs(uint32_t address);
+
+VDPGL_EXPORT void WriteByteVDP2VRAM(uint32_t address, uint8_t value);
+VDPGL_EXPORT void WriteWordVDP2VRAM(uint32_t address, uint16_t value);
+VDPGL_EXPORT void WriteLongVDP2VRAM(uint32_t address, uint32_t value);
+VDPGL_EXPORT uint8_t ReadByteVDP2VRAM(uint32_t address);
+VDPGL_EXPORT uint16_t ReadWordVDP2VRAM(uint32_t address);
+VDPGL_EXPORT uint32_t ReadLongVDP2VRAM(uint32_t address);
+
+VDPGL_EXPORT void WriteByteVDP2CRAM(uint32_t address, uint8_t value);
+VDPGL_EXPORT void WriteWordVDP2CRAM(uint32_t address, uint16_t value);
+VDPGL_EXPORT void WriteLongVDP2CRAM(uint32_t address, uint32_t value);
+VDPGL_EXPORT uint8_t ReadByteVDP2CRAM(uint32_t address);
+VDPGL_EXPORT uint16_t ReadWordVDP2CRAM(uint32_t address);
+VDPGL_EXPORT uint32_t ReadLongVDP2CRAM(uint32_t address);
+/* VDP1's registers have 16-bit ports only. */
+VDPGL_EXPORT void WriteWordVDP1Regs(uint32_t address, uint16_t value);
+VDPGL_EXPORT uint16_t ReadWordVDP1Regs(uint32_t address);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

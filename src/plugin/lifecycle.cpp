@@ -1,0 +1,112 @@
+// Lifecycle and blanking exports: the order in which each call reaches the
+// renderer, VDP1 and VDP2.
+#include <filesystem>
+#include <system_error>
+
+#include "plugin/plugin_state.h"
+#include "plugin/plugin_texts.h"
+#include "render/opengl/opengl.h"
+#include "vdp1/vdp1.h"
+#include "vdp2/vdp2.h"
+#include "vdpgl/vdpgl.h"
+
+namespace vdpgl {
+
+PluginState plugin;
+
+namespace {
+
+void DestroyObjects() {
+    delete plugin.vdp1;
+    delete plugin.vdp2;
+    delete plugin.renderer;
+    // Cleared, so that a call after DeInitPlugin finds nothing rather than
+    // freed memory.
+    plugin.vdp1 = nullptr;
+    plugin.vdp2 = nullptr;
+    plugin.renderer = nullptr;
+}
+
+}  // namespace
+
+}  // namespace vdpgl
+
+using vdpgl::plugin;
+
+extern "C" {
+
+bool InitVDPPlugin(void* record) {
+    void* words[2] = {nullptr, nullptr};
+    if (record) {
+        void* const* given = static_cast<void* const*>(record);
+        words[0] = given[0];
+        words[1] = given[1];
+    }
+    // A second initialisation without DeInitPlugin starts afresh.
+    if (plugin.renderer) vdpgl::DestroyObjects();
+
+    plugin.pluginInstance = words[0];
+    plugin.hostWindow = words[1];
+    plugin.renderer = new vdpgl::COpenGl(plugin.pluginInstance);
+    plugin.vdp1 = new vdpgl::CVdp1(*plugin.renderer);
+    plugin.vdp2 = new vdpgl::CVdp2(*plugin.renderer);
+    // VDP1's link hands both processors to the parts and the texture cache,
+    // so it comes after both exist.
+    plugin.vdp1->Link(*plugin.vdp2);
+    plugin.vdp2->Link(*plugin.vdp1);
+
+    std::error_code ec;
+    const std::filesystem::path folder = std::filesystem::current_path(ec) / vdpgl::kReplacementFolderName;
+    plugin.replacementTextureSetPath = folder.string();
+    std::filesystem::create_directory(folder, ec);  // an existing folder or a failure is not reported
+    return true;
+}
+
+void DeInitPlugin(void) {
+    plugin.running.store(false);
+    vdpgl::DestroyObjects();
+}
+
+void Reset(void) {
+    if (!plugin.vdp1) return;
+    plugin.vdp1->Reset();
+    plugin.vdp2->ResetVdp2();
+}
+
+void SetupPlugin(void) {
+    // The control panel opens here once its dialog exists; until then there
+    // is nothing to show.
+}
+
+void EmulationThreadStarting(void) {
+    if (!plugin.vdp1) return;
+    plugin.vdp1->Reset();
+    plugin.vdp2->ResetVdp2();
+    plugin.running.store(true);
+}
+
+void EmulationThreadStoping(void) { plugin.running.store(false); }
+
+void VDPOnVblankIn(void) {
+    if (plugin.vdp2) plugin.vdp2->OnVblankIn();
+}
+
+void VDPOnVblankOut(void) {
+    if (!plugin.vdp1) return;
+    plugin.vdp2->OnVblankOut();
+    // The frame's drawing, swap and erase act on these decisions.
+    plugin.vdp1->FrameControl();
+    plugin.vdp1->PurgeModifiedPatterns();
+}
+
+void VDPOnHblankIn(void) {
+    if (!plugin.vdp1) return;
+    plugin.vdp1->OnHblankIn();
+    plugin.vdp2->OnHblankIn();
+}
+
+void VDPOnHblankOut(void) {
+    if (plugin.vdp2) plugin.vdp2->OnHblankOut();
+}
+
+}  // extern "C"

@@ -1,0 +1,30 @@
+#pragma once
+// VDP2 register offsets inside the 0x200-byte register area (the ones this
+// plug-in decodes or reads; every register is 16 bits).
+#include <cstdint>
+
+namespace vdpgl::vdp2reg {
+
+constexpr uint32_t TVMD = 0x000;
+constexpr uint32_t EXTEN = 0x002;
+constexpr uint32_t TVSTAT = 0x004;
+constexpr uint32_t VRSIZE = 0x006;
+constexpr uint32_t HCNT = 0x008;
+constexpr uint32_t VCNT = 0x00A;
+constexpr uint32_t RAMCTL = 0x00E;
+constexpr uint32_t BGON = 0x020;
+constexpr uint32_t SPCTL = 0x0E0;
+constexpr uint32_t CRAOFA = 0x0E4;
+constexpr uint32_t CRAOFB = 0x0E6;
+constexpr uint32_t PRISA = 0x0F0;
+constexpr uint32_t PRISB = 0x0F2;
+constexpr uint32_t PRISC = 0x0F4;
+constexpr uint32_t PRISD = 0x0F6;
+
+constexpr uint32_t kAddressMask = 0x1FF;
+constexpr uint32_t kCount = 256;
+
+constexpr uint16_t TVMD_DISP = 0x8000;     // display enabled
+constexpr uint16_t RAMCTL_CRMD = 0x3000;   // colour RAM mode
+
+}  // namespace vdpgl::vdp2reg
