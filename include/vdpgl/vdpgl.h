@@ -43,6 +43,13 @@ VDPGL_EXPORT void VDPOnVblankOut(void);
 VDPGL_EXPORT void VDPOnHblankIn(void);
 VDPGL_EXPORT void VDPOnHblankOut(void);
 
+/* Beside the host interface: the rendering size, and the picture presented
+ * by the last swap as 8-bit RGBA, top row first. CaptureDisplay returns 1, or
+ * 0 when no frame was presented yet, the size does not match, or it is called
+ * off the emulation thread (the thread that called EmulationThreadStarting). */
+VDPGL_EXPORT void GetDisplaySize(int* width, int* height);
+VDPGL_EXPORT int CaptureDisplay(unsigned char* rgba, int width, int height);
+
 /* Memory and register ports. Addresses are masked by each memory's size. */
 VDPGL_EXPORT void WriteByteVDP1FrameBuffer(uint32_t address, uint8_t value);
 VDPGL_EXPORT void WriteWordVDP1FrameBuffer(uint32_t address, uint16_t value);

@@ -80,12 +80,19 @@ void SetupPlugin(void) {
 
 void EmulationThreadStarting(void) {
     if (!plugin.vdp1) return;
+    // The context becomes current on this, the emulation thread; every GL
+    // call comes from here on. A failure has been shown to the user and
+    // leaves drawing harmless.
+    plugin.renderer->InitGl(plugin.displayWindow.load());
     plugin.vdp1->Reset();
     plugin.vdp2->ResetVdp2();
     plugin.running.store(true);
 }
 
-void EmulationThreadStoping(void) { plugin.running.store(false); }
+void EmulationThreadStoping(void) {
+    plugin.running.store(false);
+    if (plugin.renderer) plugin.renderer->ReleaseGl();
+}
 
 void VDPOnVblankIn(void) {
     if (plugin.vdp2) plugin.vdp2->OnVblankIn();
@@ -93,10 +100,9 @@ void VDPOnVblankIn(void) {
 
 void VDPOnVblankOut(void) {
     if (!plugin.vdp1) return;
+    plugin.renderer->ApplyPendingChanges();
     plugin.vdp2->OnVblankOut();
-    // The frame's drawing, swap and erase act on these decisions.
-    plugin.vdp1->FrameControl();
-    plugin.vdp1->PurgeModifiedPatterns();
+    plugin.vdp1->Frame();
 }
 
 void VDPOnHblankIn(void) {

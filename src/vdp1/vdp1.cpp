@@ -246,6 +246,15 @@ Vdp1FrameActions CVdp1::FrameControl() {
     return actions;
 }
 
+void CVdp1::Frame() {
+    const Vdp1FrameActions actions = FrameControl();
+    // The command list is walked and drawn here once the part lists exist;
+    // until then a due draw leaves the back buffer as it is.
+    if (actions.swap) renderer.SwapFrameBuffers();
+    if (actions.erase) renderer.ClearFrameBuffer();
+    PurgeModifiedPatterns();
+}
+
 std::vector<CVdp1CharacterPattern*> CVdp1::GetCachedPatterns() const {
     std::vector<CVdp1CharacterPattern*> patterns;
     const CVdp1CharacterPattern* previous = nullptr;

@@ -82,6 +82,9 @@ public:
     // mode and automatic drawing, then the draw, swap and erase requests are
     // taken (cleared) and returned for the frame to carry out.
     Vdp1FrameActions FrameControl();
+    // VDP1's frame at a V-blank-out: frame control, then drawing, swap and
+    // erase as it decided, then the purge of modified patterns.
+    void Frame();
     // After the frame: patterns that VRAM writes made modified are deleted.
     void PurgeModifiedPatterns();
     // Deletes every cached pattern and empties the table.

@@ -23,6 +23,8 @@ namespace vdpgl::host {
     X(VDPOnVblankOut, void, ())                                  \
     X(VDPOnHblankIn, void, ())                                   \
     X(VDPOnHblankOut, void, ())                                  \
+    X(GetDisplaySize, void, (int*, int*))                        \
+    X(CaptureDisplay, int, (unsigned char*, int, int))           \
     X(WriteByteVDP1FrameBuffer, void, (uint32_t, uint8_t))       \
     X(WriteWordVDP1FrameBuffer, void, (uint32_t, uint16_t))      \
     X(WriteLongVDP1FrameBuffer, void, (uint32_t, uint32_t))      \

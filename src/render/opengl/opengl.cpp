@@ -37,8 +37,6 @@ int ScaledDimension(SizeClass kind, int emulated, int current, float scale) {
 
 }  // namespace
 
-COpenGl::COpenGl(void* instance) : instanceHandle(instance) {}
-
 void COpenGl::SetSaturnResolution(int hRes, int vRes) {
     log.Log("SetSaturnResolution(%d, %d)\n", hRes, vRes);
     if (hRes == GetSaturnHRes() && vRes == GetSaturnVRes()) return;

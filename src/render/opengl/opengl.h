@@ -1,17 +1,27 @@
 #pragma once
-// COpenGl: the renderer. This part holds its settings, which need no context:
-// the emulated screen size, the rendering scale and size, and wireframe mode.
-// The menu changes them from the UI thread; the emulation thread applies them
-// at the next V-blank-out, hence the atomics.
+// COpenGl: the renderer. It owns the GL context (current on the emulation
+// thread), the offscreen frame buffers, every texture object and the drawing
+// primitives, and its settings: emulated size, rendering scale and size,
+// wireframe. The menu changes the settings from the UI thread; the emulation
+// thread applies them at the next V-blank-out, hence the atomics. Without a
+// context every GL operation does nothing.
 #include <atomic>
 #include <cstdint>
+#include <memory>
 #include <string>
+#include <thread>
 
 #include "common/module_log.h"
+#include "render/opengl/frame_buffers.h"
 
 namespace vdpgl {
 
 class CVdp1CharacterPattern;
+class CVdp1Part;
+
+namespace platform {
+class CGlContext;
+}
 
 // The factors offered by the display menu's Resolution submenu, with the
 // texts of their items.
@@ -27,8 +37,53 @@ inline constexpr RenderingScaleChoice kRenderingScales[] = {
 class COpenGl {
 public:
     explicit COpenGl(void* instanceHandle);
+    ~COpenGl();
     COpenGl(const COpenGl&) = delete;
     COpenGl& operator=(const COpenGl&) = delete;
+
+    // Context. InitGl makes a context current on the calling thread (failures
+    // are shown to the user and leave no context); ReleaseGl gives it up.
+    void InitGl(void* window);
+    void ReleaseGl();
+    bool HasContext() const { return context != nullptr; }
+
+    // At every V-blank-out, before anything is drawn: a resize or wireframe
+    // switch chosen since the last frame takes effect.
+    void ApplyPendingChanges();
+    void ChangeRenderingResolution();
+
+    // Frame end. A swap presents the picture just composed; a clear asked
+    // for with RequestClear happens right after the next swap.
+    void SwapFrameBuffers();
+    void ClearFrameBuffer();
+    void RequestClear() { clearRequested.store(true, std::memory_order_relaxed); }
+    // The picture of the last swap, RGBA, top row first; false before the
+    // first swap, for another size, or off the emulation thread.
+    bool CaptureDisplay(uint8_t* rgba, int width, int height);
+
+    // VDP1 textures (the texture cache creates and deletes them here).
+    void CreateVdp1Texture(int height, int width, const uint32_t* pixels, uint32_t* textureId);
+    void DeleteVdp1Texture(uint32_t textureId);
+    // Normal backgrounds' plane textures [bgNumber 0-3][plane 0-3] and
+    // NBG0/NBG1 bitmap textures.
+    void CreatePlaneTexture(int bgNumber, int plane, int width, int height);
+    void LinkPlaneTexture(int bgNumber, int srcPlane, int dstPlane);
+    void DeletePlaneTexture(int bgNumber, int plane);
+    void UpdatePlaneTextureCell(int bgNumber, int plane, const uint32_t* cell8x8, int x, int y);
+    void CreateBitmapTexture(int bgNumber, int width, int height);
+    void UpdateBitmapTexture(int bgNumber, const uint32_t* pixels);
+
+    // Primitives, in console pixels of the emulated screen.
+    void DrawPlane(int bgNumber, int plane, int x1, int y1, int x2, int y2, float s1, float s2, float t1, float t2,
+                   float red, float green, float blue, float secondaryRed, float secondaryGreen, float secondaryBlue,
+                   float alpha);
+    void DrawBitmap(int bgNumber, int x1, int y1, int x2, int y2, float s1, float s2, float t1, float t2, float red,
+                    float green, float blue, float secondaryRed, float secondaryGreen, float secondaryBlue,
+                    float alpha);
+    void DrawRotationBackground(int bgNumber, const uint32_t* pixels, int width, int height);
+    void DrawPolygon(const CVdp1Part& part);
+    void DrawPolyline(const CVdp1Part& part);
+    void DrawLine(const CVdp1Part& part);
 
     void SetVdp1TextureTable(CVdp1CharacterPattern** table) { vdp1TextureTable = table; }
 
@@ -58,9 +113,30 @@ public:
 
     void* windowHandle = nullptr;
     void* const instanceHandle;
+    using SecondaryColorFunction = void (*)(float, float, float);
+    SecondaryColorFunction secondaryColorFunction;
+    uint32_t normalBackgroundPlanesTextureIds[4][4] = {};
+    uint32_t normalBackgroundBitmapTextureIds[2] = {};
+    int32_t bitmapWidths[2] = {};
+    int32_t bitmapHeights[2] = {};
+    uint32_t rotationBackgroundTextureIds[2] = {};
     CVdp1CharacterPattern** vdp1TextureTable = nullptr;
 
 private:
+    // Device coordinates of a console position.
+    float DeviceX(int x) const { return 2.0f * static_cast<float>(x) / static_cast<float>(GetSaturnHRes()) - 1.0f; }
+    float DeviceY(int y) const { return 1.0f - 2.0f * static_cast<float>(y) / static_cast<float>(GetSaturnVRes()); }
+    void ApplyPolygonMode();
+    void DrawTexturedQuad(uint32_t texture, int x1, int y1, int x2, int y2, float s1, float s2, float t1, float t2,
+                          float red, float green, float blue, float secondaryRed, float secondaryGreen,
+                          float secondaryBlue, float alpha);
+    void DrawUntexturedPart(const CVdp1Part& part, unsigned mode, int vertexCount);
+
+    std::unique_ptr<platform::CGlContext> context;
+    CFrameBuffers frameBuffers;
+    std::thread::id contextThread;
+    uint64_t swapCount = 0;
+    std::atomic<bool> clearRequested{false};
     std::atomic<bool> wireframe{false};
     std::atomic<int> saturnHRes{320};
     std::atomic<int> saturnVRes{240};

@@ -1,0 +1,145 @@
+// COpenGl: the context's life, pending setting changes and the frame's end.
+#include <vector>
+
+#include "platform/gl_context.h"
+#include "platform/message_box.h"
+#include "render/opengl/gl_headers.h"
+#include "render/opengl/opengl.h"
+
+namespace vdpgl {
+
+namespace {
+
+void NoSecondaryColor(float, float, float) {}
+
+const char* InitFailureText(platform::GlContextFailure failure) {
+    switch (failure) {
+    case platform::GlContextFailure::DeviceContext: return "Can't Create A GL Device Context.";
+    case platform::GlContextFailure::PixelFormat: return "Can't Find A Suitable PixelFormat.";
+    case platform::GlContextFailure::SetPixelFormat: return "Can't Set The PixelFormat.";
+    case platform::GlContextFailure::RenderingContext: return "Can't Create A GL Rendering Context.";
+    case platform::GlContextFailure::Activate: return "Can't Activate The GL Rendering Context.";
+    case platform::GlContextFailure::None: break;
+    }
+    return "";
+}
+
+void ShowInitError(const char* text) { platform::ShowMessageBox("ERROR", text, platform::MessageIcon::Exclamation); }
+
+void ShowShutdownError(const char* text) {
+    platform::ShowMessageBox("SHUTDOWN ERROR", text, platform::MessageIcon::Information);
+}
+
+}  // namespace
+
+COpenGl::COpenGl(void* instance) : instanceHandle(instance), secondaryColorFunction(NoSecondaryColor) {}
+
+COpenGl::~COpenGl() {
+    // The context is tied to the thread that made it; give it up if the
+    // host shuts down without stopping the emulation thread first.
+    if (context) ReleaseGl();
+}
+
+void COpenGl::InitGl(void* window) {
+    if (context) ReleaseGl();
+    windowHandle = window;
+    platform::GlContextFailure failure = platform::GlContextFailure::None;
+    context = platform::CreateGlContext(window, &failure);
+    if (!context) {
+        ShowInitError(InitFailureText(failure));
+        return;
+    }
+    // Drawing goes to offscreen buffers; a driver without framebuffer
+    // objects cannot give us a usable context.
+    if (!frameBuffers.Load(*context) || !frameBuffers.Resize(GetRenderingHRes(), GetRenderingVRes())) {
+        ShowInitError(InitFailureText(platform::GlContextFailure::RenderingContext));
+        context.reset();
+        return;
+    }
+    contextThread = std::this_thread::get_id();
+    swapCount = 0;
+
+    glShadeModel(GL_SMOOTH);
+    glEnable(GL_BLEND);
+    glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+    glLightModeli(GL_LIGHT_MODEL_COLOR_CONTROL, GL_SEPARATE_SPECULAR_COLOR);
+    if (void* p = context->GetProcAddress("glSecondaryColor3fEXT"))
+        secondaryColorFunction = reinterpret_cast<SecondaryColorFunction>(p);
+    else
+        secondaryColorFunction = NoSecondaryColor;
+    glDisable(GL_LIGHTING);
+    glEnable(GL_COLOR_SUM);  // the secondary colour is added after texturing
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
+    ApplyPolygonMode();
+    glViewport(0, 0, GetRenderingHRes(), GetRenderingVRes());
+}
+
+void COpenGl::ReleaseGl() {
+    if (context) {
+        for (auto& planes : normalBackgroundPlanesTextureIds) {
+            glDeleteTextures(4, planes);
+            for (uint32_t& id : planes) id = 0;
+        }
+        // The other textures go with the context; forget their names so a
+        // new context starts clean.
+        glDeleteTextures(2, normalBackgroundBitmapTextureIds);
+        glDeleteTextures(2, rotationBackgroundTextureIds);
+        normalBackgroundBitmapTextureIds[0] = normalBackgroundBitmapTextureIds[1] = 0;
+        rotationBackgroundTextureIds[0] = rotationBackgroundTextureIds[1] = 0;
+        frameBuffers.Release();
+
+        if (!context->MakeNotCurrent()) ShowShutdownError("Release Of DC And RC Failed.");
+        if (!context->DestroyContext()) ShowShutdownError("Release Rendering Context Failed.");
+        if (!context->ReleaseDisplay()) ShowShutdownError("Release Device Context Failed.");
+        context.reset();
+    }
+    secondaryColorFunction = NoSecondaryColor;
+    swapCount = 0;
+}
+
+void COpenGl::ApplyPolygonMode() {
+    const bool on = IsWireframe();
+    glPolygonMode(GL_FRONT_AND_BACK, on ? GL_LINE : GL_FILL);
+    glLineWidth(on ? 1.5f : 1.0f);
+}
+
+void COpenGl::ApplyPendingChanges() {
+    if (TakeRenderingResolutionChange()) {
+        log.Log("need to update rendering resolution\n");
+        ChangeRenderingResolution();
+    }
+    if (TakeWireframeChange() && context) ApplyPolygonMode();
+}
+
+void COpenGl::ChangeRenderingResolution() {
+    log.Log("ChangeRenderingResolution\n");
+    if (!context) return;
+    const int w = GetRenderingHRes(), h = GetRenderingVRes();
+    // New buffers at the new size; the pictures in the old ones are dropped.
+    if (frameBuffers.Width() != w || frameBuffers.Height() != h) {
+        frameBuffers.Resize(w, h);
+        swapCount = 0;
+    }
+    glViewport(0, 0, w, h);
+}
+
+void COpenGl::SwapFrameBuffers() {
+    if (!context) return;
+    frameBuffers.Swap();
+    ++swapCount;
+    if (clearRequested.exchange(false, std::memory_order_relaxed)) ClearFrameBuffer();
+}
+
+void COpenGl::ClearFrameBuffer() {
+    if (!context) return;
+    glClearColor(0.0f, 0.0f, 0.0f, 0.0f);
+    glClear(GL_COLOR_BUFFER_BIT);
+}
+
+bool COpenGl::CaptureDisplay(uint8_t* rgba, int width, int height) {
+    if (!context || swapCount == 0 || std::this_thread::get_id() != contextThread) return false;
+    return frameBuffers.ReadFront(rgba, width, height);
+}
+
+}  // namespace vdpgl

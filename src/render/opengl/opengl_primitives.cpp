@@ -1,0 +1,101 @@
+// COpenGl: drawing primitives in immediate mode, one begin/end a primitive.
+// Positions are console pixels mapped straight to device coordinates (the
+// matrices stay the identity), so the emulated screen fills the viewport.
+#include "common/consistency_check.h"
+#include "render/opengl/gl_headers.h"
+#include "render/opengl/opengl.h"
+#include "vdp1/vdp1_part.h"
+
+namespace vdpgl {
+
+void COpenGl::DrawTexturedQuad(uint32_t texture, int x1, int y1, int x2, int y2, float s1, float s2, float t1,
+                               float t2, float red, float green, float blue, float secondaryRed, float secondaryGreen,
+                               float secondaryBlue, float alpha) {
+    const float dx1 = DeviceX(x1), dy1 = DeviceY(y1), dx2 = DeviceX(x2), dy2 = DeviceY(y2);
+    glBindTexture(GL_TEXTURE_2D, texture);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
+    glEnable(GL_TEXTURE_2D);
+    glBegin(GL_QUADS);
+    glColor4f(red, green, blue, alpha);
+    secondaryColorFunction(secondaryRed, secondaryGreen, secondaryBlue);
+    glTexCoord2f(s1, t1);
+    glVertex2f(dx1, dy1);
+    glTexCoord2f(s2, t1);
+    glVertex2f(dx2, dy1);
+    glTexCoord2f(s2, t2);
+    glVertex2f(dx2, dy2);
+    glTexCoord2f(s1, t2);
+    glVertex2f(dx1, dy2);
+    glEnd();
+    glDisable(GL_TEXTURE_2D);
+}
+
+void COpenGl::DrawPlane(int bgNumber, int plane, int x1, int y1, int x2, int y2, float s1, float s2, float t1,
+                        float t2, float red, float green, float blue, float secondaryRed, float secondaryGreen,
+                        float secondaryBlue, float alpha) {
+    if (!context || bgNumber < 0 || bgNumber > 3 || plane < 0 || plane > 3) return;
+    DrawTexturedQuad(normalBackgroundPlanesTextureIds[bgNumber][plane], x1, y1, x2, y2, s1, s2, t1, t2, red, green,
+                     blue, secondaryRed, secondaryGreen, secondaryBlue, alpha);
+}
+
+void COpenGl::DrawBitmap(int bgNumber, int x1, int y1, int x2, int y2, float s1, float s2, float t1, float t2,
+                         float red, float green, float blue, float secondaryRed, float secondaryGreen,
+                         float secondaryBlue, float alpha) {
+    if (!context || (bgNumber != 0 && bgNumber != 1)) return;
+    VDPGL_CHECK_OR_RETURN(normalBackgroundBitmapTextureIds[bgNumber] != 0, "opengl");
+    DrawTexturedQuad(normalBackgroundBitmapTextureIds[bgNumber], x1, y1, x2, y2, s1, s2, t1, t2, red, green, blue,
+                     secondaryRed, secondaryGreen, secondaryBlue, alpha);
+}
+
+void COpenGl::DrawRotationBackground(int bgNumber, const uint32_t* pixels, int width, int height) {
+    if (!context || (bgNumber != 4 && bgNumber != 5) || !pixels) return;
+    uint32_t& texture = rotationBackgroundTextureIds[bgNumber - 4];
+    if (!texture) {
+        glGenTextures(1, &texture);
+        glBindTexture(GL_TEXTURE_2D, texture);
+        glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, 256, 256, 0, GL_RGBA, GL_UNSIGNED_BYTE, nullptr);
+    }
+    glBindTexture(GL_TEXTURE_2D, texture);
+    glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, width, height, GL_RGBA, GL_UNSIGNED_BYTE, pixels);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
+    glEnable(GL_TEXTURE_2D);
+    // The whole viewport, stretched; the buffer's first row lands at the
+    // bottom edge (the rotation backgrounds render bottom row first).
+    const float s = static_cast<float>(width) / 256.0f, t = static_cast<float>(height) / 256.0f;
+    glBegin(GL_QUADS);
+    glColor4f(1.0f, 1.0f, 1.0f, 1.0f);
+    secondaryColorFunction(0.0f, 0.0f, 0.0f);
+    glTexCoord2f(0.0f, 0.0f);
+    glVertex2f(-1.0f, -1.0f);
+    glTexCoord2f(s, 0.0f);
+    glVertex2f(1.0f, -1.0f);
+    glTexCoord2f(s, t);
+    glVertex2f(1.0f, 1.0f);
+    glTexCoord2f(0.0f, t);
+    glVertex2f(-1.0f, 1.0f);
+    glEnd();
+    glDisable(GL_TEXTURE_2D);
+}
+
+void COpenGl::DrawUntexturedPart(const CVdp1Part& part, unsigned mode, int vertexCount) {
+    if (!context) return;
+    // Colour sum stays on: an untextured part gets its own colour offset
+    // rather than whatever the last textured primitive left in force.
+    glBegin(mode);
+    for (int i = 0; i < vertexCount; ++i) {
+        const Vdp1Rgb& c = part.colors[i];
+        const Vdp1Rgb& offset = part.secondaryColors[i];
+        glColor4f(c.red, c.green, c.blue, part.alpha);
+        secondaryColorFunction(offset.red, offset.green, offset.blue);
+        glVertex2f(DeviceX(part.vertices[i].x), DeviceY(part.vertices[i].y));
+    }
+    glEnd();
+}
+
+void COpenGl::DrawPolygon(const CVdp1Part& part) { DrawUntexturedPart(part, GL_QUADS, 4); }
+void COpenGl::DrawPolyline(const CVdp1Part& part) { DrawUntexturedPart(part, GL_LINE_LOOP, 4); }
+void COpenGl::DrawLine(const CVdp1Part& part) { DrawUntexturedPart(part, GL_LINES, 2); }
+
+}  // namespace vdpgl

@@ -1,0 +1,91 @@
+// COpenGl: texture objects. Every texture is RGBA, 8 bits a component (the
+// colour word's bytes), sampled nearest with no mipmaps.
+#include <vector>
+
+#include "common/consistency_check.h"
+#include "render/opengl/gl_headers.h"
+#include "render/opengl/opengl.h"
+
+namespace vdpgl {
+
+namespace {
+
+bool ValidNormal(int bgNumber, int plane) { return bgNumber >= 0 && bgNumber < 4 && plane >= 0 && plane < 4; }
+bool ValidBitmap(int bgNumber) { return bgNumber == 0 || bgNumber == 1; }
+
+void SetNearest() {
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
+}
+
+// A new texture of this size from pixels, or fully transparent black.
+GLuint CreateTexture(int width, int height, const void* pixels) {
+    std::vector<uint32_t> zeros;
+    if (!pixels) {
+        zeros.assign(static_cast<size_t>(width) * static_cast<size_t>(height), 0u);
+        pixels = zeros.data();
+    }
+    GLuint id = 0;
+    glGenTextures(1, &id);
+    glBindTexture(GL_TEXTURE_2D, id);
+    glPixelStorei(GL_UNPACK_ALIGNMENT, 4);
+    glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, width, height, 0, GL_RGBA, GL_UNSIGNED_BYTE, pixels);
+    SetNearest();
+    return id;
+}
+
+}  // namespace
+
+void COpenGl::CreateVdp1Texture(int height, int width, const uint32_t* pixels, uint32_t* textureId) {
+    if (!context || !textureId) return;
+    *textureId = CreateTexture(width, height, pixels);
+}
+
+void COpenGl::DeleteVdp1Texture(uint32_t textureId) {
+    if (context && textureId) glDeleteTextures(1, &textureId);
+}
+
+void COpenGl::CreatePlaneTexture(int bgNumber, int plane, int width, int height) {
+    if (!context || !ValidNormal(bgNumber, plane)) return;
+    DeletePlaneTexture(bgNumber, plane);
+    normalBackgroundPlanesTextureIds[bgNumber][plane] = CreateTexture(width, height, nullptr);
+}
+
+void COpenGl::LinkPlaneTexture(int bgNumber, int srcPlane, int dstPlane) {
+    if (!ValidNormal(bgNumber, srcPlane) || !ValidNormal(bgNumber, dstPlane)) return;
+    VDPGL_CHECK_OR_RETURN(normalBackgroundPlanesTextureIds[bgNumber][srcPlane], "opengl");
+    normalBackgroundPlanesTextureIds[bgNumber][dstPlane] = normalBackgroundPlanesTextureIds[bgNumber][srcPlane];
+}
+
+void COpenGl::DeletePlaneTexture(int bgNumber, int plane) {
+    if (!ValidNormal(bgNumber, plane)) return;
+    uint32_t& slot = normalBackgroundPlanesTextureIds[bgNumber][plane];
+    // A name shared by linked planes is deleted once; GL ignores names it no
+    // longer knows, so the later slots only forget it.
+    if (slot && context) glDeleteTextures(1, &slot);
+    slot = 0;
+}
+
+void COpenGl::UpdatePlaneTextureCell(int bgNumber, int plane, const uint32_t* cell8x8, int x, int y) {
+    if (!context || !ValidNormal(bgNumber, plane) || !cell8x8) return;
+    glBindTexture(GL_TEXTURE_2D, normalBackgroundPlanesTextureIds[bgNumber][plane]);
+    glTexSubImage2D(GL_TEXTURE_2D, 0, x, y, 8, 8, GL_RGBA, GL_UNSIGNED_BYTE, cell8x8);
+}
+
+void COpenGl::CreateBitmapTexture(int bgNumber, int width, int height) {
+    if (!context || !ValidBitmap(bgNumber)) return;
+    uint32_t& slot = normalBackgroundBitmapTextureIds[bgNumber];
+    if (slot) glDeleteTextures(1, &slot);
+    bitmapWidths[bgNumber] = width;
+    bitmapHeights[bgNumber] = height;
+    slot = CreateTexture(width, height, nullptr);
+}
+
+void COpenGl::UpdateBitmapTexture(int bgNumber, const uint32_t* pixels) {
+    if (!context || !ValidBitmap(bgNumber) || !pixels || !normalBackgroundBitmapTextureIds[bgNumber]) return;
+    glBindTexture(GL_TEXTURE_2D, normalBackgroundBitmapTextureIds[bgNumber]);
+    glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, bitmapWidths[bgNumber], bitmapHeights[bgNumber], GL_RGBA,
+                    GL_UNSIGNED_BYTE, pixels);
+}
+
+}  // namespace vdpgl
