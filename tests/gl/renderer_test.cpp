@@ -1,37 +1,391 @@
+// The renderer on a real headless context, checked on the pixels of the
+// presented picture.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstdlib>
+#include <ostream>
+#include <string>
+#include <utility>
 #include <vector>
 
+#include "../unit/temp_dir.h"
+#include "render/opengl/gl_headers.h"
 #include "render/opengl/opengl.h"
 #include "vdp1/vdp1_part.h"
-#include "../unit/temp_dir.h"
 
 namespace vdpgl {
 namespace {
 
-TEST(RendererSmoke, HeadlessContextDrawsAPolygon) {
-    test::ScopedTempDir dir;
-    COpenGl gl(nullptr);
-    gl.SetSaturnResolution(320, 224);
+struct Rgba { int r, g, b, a; bool operator==(const Rgba&) const = default; };
+std::ostream& operator<<(std::ostream& os, const Rgba& c) {
+    return os << c.r << "," << c.g << "," << c.b << "," << c.a;
+}
+constexpr Rgba kClear{0, 0, 0, 0}, kRed{255, 0, 0, 255}, kGreen{0, 255, 0, 255}, kBlue{0, 0, 255, 255},
+    kWhite{255, 255, 255, 255};
+
+// Red, green and blue within a small tolerance: blending and interpolation
+// may be off by one or two from exact arithmetic.
+testing::AssertionResult Near(Rgba actual, Rgba expected) {
+    const int off = std::max({std::abs(actual.r - expected.r), std::abs(actual.g - expected.g),
+                              std::abs(actual.b - expected.b)});
+    if (off <= 2) return testing::AssertionSuccess();
+    return testing::AssertionFailure() << actual << " is not near " << expected;
+}
+
+uint32_t Word(Rgba c) { return static_cast<uint32_t>(c.r | c.g << 8 | c.b << 16) | static_cast<uint32_t>(c.a) << 24; }
+Vdp1Vertex V(int x, int y) { return {static_cast<int16_t>(x), static_cast<int16_t>(y)}; }
+
+// A part with corners A, B, C, D, all of one colour.
+CVdp1Part Part(Vdp1Vertex a, Vdp1Vertex b, Vdp1Vertex c, Vdp1Vertex d, Rgba colour, float alpha = 1.0f) {
+    CVdp1Part part;
+    part.vertices[0] = a, part.vertices[1] = b, part.vertices[2] = c, part.vertices[3] = d;
+    for (auto& corner : part.colors) corner = {colour.r / 255.0f, colour.g / 255.0f, colour.b / 255.0f};
+    part.alpha = alpha;
+    return part;
+}
+CVdp1Part Box(int x1, int y1, int x2, int y2, Rgba colour, float alpha = 1.0f) {
+    return Part(V(x1, y1), V(x2, y1), V(x2, y2), V(x1, y2), colour, alpha);
+}
+
+class RendererTest : public testing::Test {
+protected:
+    void SetUp() override {
+        gl.SetSaturnResolution(320, 224);
+        gl.InitGl(nullptr);
+        ASSERT_TRUE(gl.HasContext());
+        gl.ApplyPendingChanges();
+    }
+    // Reads back the picture of the last swap at the rendering size.
+    bool Capture() {
+        width = gl.GetRenderingHRes(), height = gl.GetRenderingVRes();
+        pixels.assign(static_cast<size_t>(width * height * 4), 0xAB);
+        return gl.CaptureDisplay(pixels.data(), width, height);
+    }
+    void Present() {
+        gl.SwapFrameBuffers();
+        ASSERT_TRUE(Capture());
+    }
+    Rgba At(int x, int y) const {
+        const uint8_t* p = &pixels[static_cast<size_t>((y * width + x) * 4)];
+        return {p[0], p[1], p[2], p[3]};
+    }
+    // Pixels of [x0, x1) x [y0, y1) of this colour; Drawn: not transparent black.
+    int Count(int x0, int y0, int x1, int y1, Rgba colour) const {
+        int n = 0;
+        for (int y = y0; y < y1; ++y)
+            for (int x = x0; x < x1; ++x) n += At(x, y) == colour;
+        return n;
+    }
+    int Drawn(int x0, int y0, int x1, int y1) const { return (x1 - x0) * (y1 - y0) - Count(x0, y0, x1, y1, kClear); }
+
+    // A new 512 x 512 plane texture whose texels [0, w) x [0, h) are one colour.
+    void FillPlane(int bg, int plane, Rgba colour, int w = 64, int h = 64) {
+        gl.CreatePlaneTexture(bg, plane, 512, 512);
+        const std::vector<uint32_t> cell(64, Word(colour));
+        for (int y = 0; y < h; y += 8)
+            for (int x = 0; x < w; x += 8) gl.UpdatePlaneTextureCell(bg, plane, cell.data(), x, y);
+    }
+    // Texels [0, w) x [0, h) of a plane at (x, y), one texel a console pixel.
+    void DrawPlaneAt(int bg, int plane, int x, int y, int w, int h, Vdp1Rgb primary = {1, 1, 1},
+                     Vdp1Rgb secondary = {}) {
+        gl.DrawPlane(bg, plane, x, y, x + w, y + h, 0.0f, w / 512.0f, 0.0f, h / 512.0f, primary.red, primary.green,
+                     primary.blue, secondary.red, secondary.green, secondary.blue, 1.0f);
+    }
+
+    test::ScopedTempDir dir;  // first: the renderer deletes its old log when built
+    COpenGl gl{nullptr};
+    int width = 0, height = 0;
+    std::vector<uint8_t> pixels;
+};
+
+TEST_F(RendererTest, EmulatedScreenFillsTheViewportAtEveryScale) {
+    struct Case { float scale; int width, height; };
+    for (const Case& c : {Case{1.0f, 320, 224}, Case{2.0f, 640, 448}, Case{2.5f, 800, 560}}) {
+        SCOPED_TRACE(c.scale);
+        gl.SetRenderingScale(c.scale);
+        gl.ApplyPendingChanges();
+        gl.DrawPolygon(Box(10, 10, 26, 20, kRed));
+        gl.DrawPolygon(Box(300, 200, 320, 224, kGreen));  // up to the right and bottom edges
+        gl.DrawPolygon(Box(100, 0, 110, 2, kBlue));       // from the top row
+        Present();
+        ASSERT_EQ(width, c.width);
+        ASSERT_EQ(height, c.height);
+        auto s = [&](int v) { return static_cast<int>(static_cast<float>(v) * c.scale); };
+        // Each polygon covers exactly its scaled rectangle and nothing else.
+        EXPECT_EQ(Count(s(10), s(10), s(26), s(20), kRed), s(16) * s(10));
+        EXPECT_EQ(Count(s(300), s(200), width, height, kGreen), s(20) * s(24));
+        EXPECT_EQ(Count(s(100), 0, s(110), s(2), kBlue), s(10) * s(2));
+        EXPECT_EQ(Drawn(0, 0, width, height), s(16) * s(10) + s(20) * s(24) + s(10) * s(2));
+    }
+}
+
+TEST_F(RendererTest, PolygonInterpolatesItsCornerColours) {
+    // Red grows to the right and green downwards: the same picture whichever
+    // diagonal splits the quad.
+    CVdp1Part part = Box(0, 0, 320, 224, kClear);
+    part.colors[1] = {1, 0, 0}, part.colors[2] = {1, 1, 0}, part.colors[3] = {0, 1, 0};
+    gl.DrawPolygon(part);
+    Present();
+    EXPECT_TRUE(Near(At(0, 0), {0, 0, 0, 255}));
+    EXPECT_TRUE(Near(At(319, 0), {255, 0, 0, 255}));
+    EXPECT_TRUE(Near(At(319, 223), {255, 255, 0, 255}));
+    EXPECT_TRUE(Near(At(0, 223), {0, 255, 0, 255}));
+    EXPECT_TRUE(Near(At(160, 112), {128, 128, 0, 255}));
+    EXPECT_TRUE(Near(At(80, 168), {64, 191, 0, 255}));
+}
+
+TEST_F(RendererTest, PolylineDrawsTheClosedOutlineOnly) {
+    gl.DrawPolyline(Box(20, 20, 100, 80, kWhite));
+    Present();
+    EXPECT_EQ(Drawn(55, 18, 65, 23), 10);   // A to B, one pixel a column
+    EXPECT_EQ(Drawn(97, 45, 102, 55), 10);  // B to C
+    EXPECT_EQ(Drawn(55, 77, 65, 82), 10);   // C to D
+    EXPECT_EQ(Drawn(18, 45, 23, 55), 10);   // D back to A closes the loop
+    EXPECT_EQ(Drawn(23, 23, 97, 77), 0);    // the inside stays as it was
+}
+
+TEST_F(RendererTest, LineDrawsOneSegmentFromAToB) {
+    gl.DrawLine(Part(V(20, 100), V(120, 100), V(120, 150), V(20, 150), kWhite));  // C, D elsewhere
+    Present();
+    const int onSegment = Drawn(18, 98, 123, 103);
+    EXPECT_NEAR(onSegment, 100, 1);
+    EXPECT_EQ(Drawn(0, 0, width, height), onSegment);
+}
+
+TEST_F(RendererTest, LaterPartsBlendOverEarlierOnesInDrawingOrder) {
+    struct Case { Rgba over; float alpha; Rgba expected; };
+    const Case cases[] = {{kGreen, 1.0f, kGreen},  // no depth test: later covers earlier
+                          {kBlue, 0.5f, {128, 0, 128, 255}},
+                          {kBlue, 0.25f, {191, 0, 64, 255}},
+                          {kBlue, 0.0f, kRed}};
+    for (int i = 0; i < 4; ++i) {
+        gl.DrawPolygon(Box(10 + 20 * i, 10, 20 + 20 * i, 20, kRed));
+        gl.DrawPolygon(Box(10 + 20 * i, 10, 20 + 20 * i, 20, cases[i].over, cases[i].alpha));
+    }
+    Present();
+    for (int i = 0; i < 4; ++i) EXPECT_TRUE(Near(At(15 + 20 * i, 15), cases[i].expected)) << i;
+}
+
+TEST_F(RendererTest, WireframeOutlinesPolygonsAndBackgroundsOnceChangesApply) {
+    FillPlane(0, 0, kWhite);
+    gl.DrawPolygon(Box(0, 0, 320, 224, kGreen));
+    gl.SetWireframe(true);
+    gl.DrawPolygon(Box(20, 20, 80, 80, kRed));  // not applied yet: filled
+    gl.ApplyPendingChanges();
+    gl.DrawPolygon(Box(100, 20, 160, 80, kRed));
+    DrawPlaneAt(0, 0, 180, 20, 60, 60);
+    gl.SetWireframe(false);
+    gl.ApplyPendingChanges();
+    gl.DrawPolygon(Box(20, 120, 80, 180, kRed));
+    DrawPlaneAt(0, 0, 100, 120, 60, 60);
+    Present();
+    EXPECT_EQ(At(50, 50), kRed);
+    EXPECT_EQ(At(130, 50), kGreen);  // outlines leave the inside as it was
+    EXPECT_GE(Count(98, 40, 103, 60, kRed), 20);
+    EXPECT_EQ(At(210, 50), kGreen);
+    EXPECT_GE(Count(178, 40, 183, 60, kWhite), 20);
+    EXPECT_EQ(At(50, 150), kRed);  // filled again
+    EXPECT_EQ(At(130, 150), kWhite);
+}
+
+TEST_F(RendererTest, PlaneTexelIsModulatedByPrimaryThenSecondaryColourIsAdded) {
+    struct Case { Vdp1Rgb primary, secondary; Rgba expected; };
+    const Rgba texel{128, 64, 255, 255};
+    const Case cases[] = {{{1, 1, 1}, {0, 0, 0}, texel},
+                          {{0.5f, 1, 0.5f}, {0, 0, 0}, {64, 64, 128, 255}},
+                          {{0.5f, 1, 0.5f}, {0.25f, 0.5f, 0.25f}, {128, 192, 192, 255}},
+                          {{1, 1, 1}, {0.75f, 0, 1}, {255, 64, 255, 255}}};  // the sum saturates
+    FillPlane(1, 2, texel, 8, 8);
+    for (int i = 0; i < 4; ++i) DrawPlaneAt(1, 2, 10 + 10 * i, 10, 8, 8, cases[i].primary, cases[i].secondary);
+    Present();
+    for (int i = 0; i < 4; ++i) EXPECT_TRUE(Near(At(14 + 10 * i, 14), cases[i].expected)) << i;
+}
+
+TEST_F(RendererTest, CellUpdateWritesAnEightByEightBlockAtItsPosition) {
+    gl.CreatePlaneTexture(3, 1, 512, 512);
+    std::vector<uint32_t> cell(64, Word(kRed));
+    cell[0] = Word(kGreen), cell[63] = Word(kBlue);  // top-left and bottom-right texels
+    gl.UpdatePlaneTextureCell(3, 1, cell.data(), 16, 8);
+    DrawPlaneAt(3, 1, 0, 0, 320, 224);
+    Present();
+    EXPECT_EQ(At(16, 8), kGreen);
+    EXPECT_EQ(At(23, 15), kBlue);
+    EXPECT_EQ(Count(16, 8, 24, 16, kRed), 62);
+    EXPECT_EQ(Drawn(0, 0, 320, 224), 64);  // the rest of a new texture is transparent
+}
+
+TEST_F(RendererTest, RecreatedPlaneTextureIsTransparentAndAnEmptySlotIsNotLinked) {
+    auto& ids = gl.normalBackgroundPlanesTextureIds;
+    gl.DrawPolygon(Box(0, 0, 320, 224, kBlue));
+    FillPlane(0, 3, kWhite, 8, 8);
+    DrawPlaneAt(0, 3, 0, 0, 8, 8);
+    gl.CreatePlaneTexture(0, 3, 512, 512);  // replaces the old texture by a transparent one
+    DrawPlaneAt(0, 3, 10, 0, 8, 8);
+    const uint32_t recreated = ids[0][3];
+    testing::internal::CaptureStderr();
+    gl.LinkPlaneTexture(0, 1, 3);  // from an empty slot: reported, the destination is kept
+    const std::string err = testing::internal::GetCapturedStderr();
+    EXPECT_NE(err.find("normalBackgroundPlanesTextureIds[bgNumber][srcPlane], file opengl"), std::string::npos) << err;
+    EXPECT_EQ(ids[0][3], recreated);
+    Present();
+    EXPECT_EQ(At(4, 4), kWhite);
+    EXPECT_EQ(Count(10, 0, 18, 8, kBlue), 64);
+}
+
+TEST_F(RendererTest, LinkedPlanesShareOneTextureAndAreDeletedOneAfterAnother) {
+    auto& ids = gl.normalBackgroundPlanesTextureIds;
+    FillPlane(1, 0, kRed, 8, 8);
+    FillPlane(1, 1, kGreen, 8, 8);
+    gl.LinkPlaneTexture(1, 0, 2);
+    gl.LinkPlaneTexture(1, 0, 3);
+    EXPECT_EQ(ids[1][2], ids[1][0]);
+    EXPECT_EQ(ids[1][3], ids[1][0]);
+    EXPECT_NE(ids[1][1], ids[1][0]);
+    const std::vector<uint32_t> white(64, Word(kWhite));
+    gl.UpdatePlaneTextureCell(1, 3, white.data(), 8, 0);  // written through one slot, seen through all
+    DrawPlaneAt(1, 2, 0, 0, 16, 8);
+
+    while (glGetError() != GL_NO_ERROR) {
+    }
+    for (int plane : {0, 2, 3}) gl.DeletePlaneTexture(1, plane);  // the shared name, three times
+    gl.DeletePlaneTexture(2, 0);                                   // an empty slot
+    EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
+    for (int plane : {0, 2, 3}) EXPECT_EQ(ids[1][plane], 0u);
+    EXPECT_EQ(ids[2][0], 0u);
+    DrawPlaneAt(1, 1, 0, 10, 8, 8);  // the unlinked plane's texture is still there
+    Present();
+    EXPECT_EQ(At(4, 4), kRed);
+    EXPECT_EQ(At(12, 4), kWhite);
+    EXPECT_EQ(At(4, 14), kGreen);
+}
+
+TEST_F(RendererTest, BitmapTextureShowsTheWholeUploadAtItsRecordedSize) {
+    // Each texel's colour names its position.
+    auto texel = [](int x, int y) { return Rgba{x & 0xFF, y & 0xFF, (x >> 8) | (y >> 8) << 4, 255}; };
+    for (const auto& [w, h] : {std::pair{512, 256}, std::pair{1024, 512}}) {
+        SCOPED_TRACE(w);
+        gl.CreateBitmapTexture(1, w, h);
+        EXPECT_EQ(gl.bitmapWidths[1], w);
+        EXPECT_EQ(gl.bitmapHeights[1], h);
+        std::vector<uint32_t> picture;
+        for (int y = 0; y < h; ++y)
+            for (int x = 0; x < w; ++x) picture.push_back(Word(texel(x, y)));
+        gl.UpdateBitmapTexture(1, picture.data());
+        // The last 320 x 224 texels, one a pixel: the far corner must be there.
+        gl.DrawBitmap(1, 0, 0, 320, 224, (w - 320.0f) / w, 1.0f, (h - 224.0f) / h, 1.0f, 1, 1, 1, 0, 0, 0, 1);
+        Present();
+        EXPECT_EQ(At(0, 0), texel(w - 320, h - 224));
+        EXPECT_EQ(At(100, 50), texel(w - 220, h - 174));
+        EXPECT_EQ(At(319, 223), texel(w - 1, h - 1));
+    }
+}
+
+TEST_F(RendererTest, BitmapWithoutTextureDrawsNothingAndIsReported) {
+    gl.DrawPolygon(Box(0, 0, 320, 224, kBlue));
+    testing::internal::CaptureStderr();
+    gl.DrawBitmap(0, 0, 0, 320, 224, 0, 1, 0, 1, 1, 1, 1, 0, 0, 0, 1);
+    const std::string err = testing::internal::GetCapturedStderr();
+    Present();
+    EXPECT_EQ(Count(0, 0, 320, 224, kBlue), 320 * 224);
+    EXPECT_NE(err.find("normalBackgroundBitmapTextureIds[bgNumber]!=0, file opengl"), std::string::npos) << err;
+}
+
+TEST_F(RendererTest, RotationBackgroundFillsTheViewportFirstRowAtTheBottom) {
+    std::vector<uint32_t> picture;  // red: column, green: row
+    for (int row = 0; row < 256; ++row)
+        for (int column = 0; column < 256; ++column) picture.push_back(Word({column, row, 0, 255}));
+    gl.DrawRotationBackground(4, picture.data(), 256, 256);
+    Present();
+    EXPECT_EQ(At(0, 223), (Rgba{0, 0, 0, 255}));
+    EXPECT_EQ(At(319, 223), (Rgba{255, 0, 0, 255}));
+    EXPECT_EQ(At(0, 0), (Rgba{0, 255, 0, 255}));
+    EXPECT_EQ(At(319, 0), (Rgba{255, 255, 0, 255}));
+    EXPECT_EQ(Count(0, 0, 320, 224, kClear), 0);
+}
+
+TEST_F(RendererTest, CaptureNeedsASwapAndTheRenderingSize) {
+    std::vector<uint8_t> rgba(640 * 448 * 4);
+    EXPECT_FALSE(gl.CaptureDisplay(rgba.data(), 320, 224));
+    gl.SwapFrameBuffers();
+    EXPECT_TRUE(gl.CaptureDisplay(rgba.data(), 320, 224));
+    EXPECT_FALSE(gl.CaptureDisplay(rgba.data(), 321, 224));
+    EXPECT_FALSE(gl.CaptureDisplay(rgba.data(), 320, 223));
+    gl.SetRenderingScale(2.0f);
+    gl.ApplyPendingChanges();
+    EXPECT_FALSE(gl.CaptureDisplay(rgba.data(), 640, 448));  // new buffers: nothing presented yet
+    gl.SwapFrameBuffers();
+    EXPECT_FALSE(gl.CaptureDisplay(rgba.data(), 320, 224));
+    EXPECT_TRUE(gl.CaptureDisplay(rgba.data(), 640, 448));
+}
+
+TEST_F(RendererTest, ASwapLeavesThePictureOfTwoSwapsAgoInTheBackBuffer) {
+    gl.DrawPolygon(Box(0, 0, 10, 10, kRed));
+    gl.SwapFrameBuffers();
+    gl.DrawPolygon(Box(20, 0, 30, 10, kGreen));
+    Present();
+    EXPECT_EQ(At(5, 5), kClear);
+    EXPECT_EQ(At(25, 5), kGreen);
+    Present();  // nothing drawn: the first picture comes back
+    EXPECT_EQ(At(5, 5), kRed);
+    EXPECT_EQ(At(25, 5), kClear);
+}
+
+TEST_F(RendererTest, RequestedClearEmptiesTheNewBackBufferAfterOneSwapOnly) {
+    gl.DrawPolygon(Box(0, 0, 10, 10, kRed));
+    gl.SwapFrameBuffers();
+    gl.DrawPolygon(Box(20, 0, 30, 10, kGreen));
+    gl.RequestClear();
+    Present();
+    EXPECT_EQ(At(25, 5), kGreen);  // the presented picture is left alone
+    Present();
+    EXPECT_EQ(Drawn(0, 0, 320, 224), 0);  // the first picture was cleared
+    Present();
+    EXPECT_EQ(At(25, 5), kGreen);  // the second swap cleared nothing
+}
+
+TEST_F(RendererTest, ClearFrameBufferLeavesTransparentBlack) {
+    gl.DrawPolygon(Box(0, 0, 320, 224, kWhite));
+    gl.ClearFrameBuffer();
+    Present();
+    EXPECT_EQ(Count(0, 0, 320, 224, kClear), 320 * 224);
+}
+
+TEST_F(RendererTest, AfterReleaseEveryCallIsHarmlessAndInitGlStartsAgain) {
+    FillPlane(0, 0, kWhite, 8, 8);
+    gl.DrawPolygon(Box(0, 0, 10, 10, kRed));
+    Present();
+    gl.ReleaseGl();
+    ASSERT_FALSE(gl.HasContext());
+    EXPECT_EQ(gl.normalBackgroundPlanesTextureIds[0][0], 0u);
+
+    const std::vector<uint32_t> picture(512 * 256, Word(kWhite));
+    const CVdp1Part box = Box(0, 0, 320, 224, kWhite);
+    gl.CreatePlaneTexture(0, 1, 512, 512), gl.UpdatePlaneTextureCell(0, 1, picture.data(), 0, 0);
+    gl.CreateBitmapTexture(1, 512, 256), gl.UpdateBitmapTexture(1, picture.data());
+    gl.DrawPolygon(box), gl.DrawPolyline(box), gl.DrawLine(box);
+    gl.DrawPlane(0, 1, 0, 0, 320, 224, 0, 1, 0, 1, 1, 1, 1, 0, 0, 0, 1);
+    gl.DrawBitmap(1, 0, 0, 320, 224, 0, 1, 0, 1, 1, 1, 1, 0, 0, 0, 1);
+    gl.DrawRotationBackground(4, picture.data(), 256, 256);
+    gl.ClearFrameBuffer(), gl.RequestClear(), gl.SwapFrameBuffers();
+    EXPECT_FALSE(Capture());
+    EXPECT_EQ(gl.normalBackgroundPlanesTextureIds[0][1], 0u);
+
+    // Settings chosen meanwhile hold for the new context.
+    gl.SetRenderingScale(2.0f), gl.SetWireframe(true), gl.ApplyPendingChanges();
     gl.InitGl(nullptr);
     ASSERT_TRUE(gl.HasContext());
-    gl.ApplyPendingChanges();
-    CVdp1Part part;
-    part.vertices[0] = {10, 10}; part.vertices[1] = {26, 10}; part.vertices[2] = {26, 20}; part.vertices[3] = {10, 20};
-    for (auto& c : part.colors) c = {1.0f, 0.0f, 0.0f};
-    gl.DrawPolygon(part);
-    gl.SwapFrameBuffers();
-    std::vector<uint8_t> rgba(320 * 224 * 4);
-    ASSERT_TRUE(gl.CaptureDisplay(rgba.data(), 320, 224));
-    auto px = [&](int x, int y) { return rgba[(y * 320 + x) * 4]; };
-    EXPECT_EQ(px(9, 15), 0);
-    EXPECT_EQ(px(10, 15), 255);
-    EXPECT_EQ(px(25, 15), 255);
-    EXPECT_EQ(px(26, 15), 0);
-    EXPECT_EQ(px(15, 9), 0);
-    EXPECT_EQ(px(15, 10), 255);
-    EXPECT_EQ(px(15, 19), 255);
-    EXPECT_EQ(px(15, 20), 0);
+    EXPECT_FALSE(Capture());
+    gl.DrawPolygon(Box(20, 20, 100, 100, kGreen));
+    FillPlane(2, 0, kWhite);
+    DrawPlaneAt(2, 0, 120, 20, 40, 40);
+    Present();
+    ASSERT_EQ(width, 640);
+    EXPECT_EQ(At(10, 10), kClear);    // nothing of the old pictures
+    EXPECT_EQ(At(120, 120), kClear);  // outlines only
+    EXPECT_GE(Count(38, 80, 43, 120, kGreen), 40);
+    EXPECT_EQ(At(280, 80), kClear);
+    EXPECT_GE(Count(238, 60, 243, 100, kWhite), 40);
 }
 
 }  // namespace

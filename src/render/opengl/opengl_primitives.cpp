@@ -43,7 +43,8 @@ void COpenGl::DrawBitmap(int bgNumber, int x1, int y1, int x2, int y2, float s1,
                          float red, float green, float blue, float secondaryRed, float secondaryGreen,
                          float secondaryBlue, float alpha) {
     if (!context || (bgNumber != 0 && bgNumber != 1)) return;
-    VDPGL_CHECK_OR_RETURN(normalBackgroundBitmapTextureIds[bgNumber] != 0, "opengl");
+    // Spelled as the check's message names it.
+    VDPGL_CHECK_OR_RETURN(normalBackgroundBitmapTextureIds[bgNumber]!=0, "opengl");
     DrawTexturedQuad(normalBackgroundBitmapTextureIds[bgNumber], x1, y1, x2, y2, s1, s2, t1, t2, red, green, blue,
                      secondaryRed, secondaryGreen, secondaryBlue, alpha);
 }

@@ -1,0 +1,97 @@
+// The renderer as a host sees it: a headless start, frames presented at
+// V-blank-outs, captures of the rendering size, start-stop-start.
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <vector>
+
+#include "plugin_library.h"
+
+namespace fs = std::filesystem;
+using vdpgl::host::CPluginLibrary;
+using vdpgl::host::PluginExports;
+
+namespace {
+
+class HostRendererTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        ASSERT_TRUE(library.Load(VDPGL_LIBRARY_PATH)) << library.Error();
+        char pattern[] = "/tmp/vdpgl-host-XXXXXX";
+        ASSERT_NE(mkdtemp(pattern), nullptr);
+        dir = pattern;
+        previous = fs::current_path();
+        fs::current_path(dir);
+        ASSERT_TRUE(x().InitVDPPlugin(nullptr));
+    }
+    void TearDown() override {
+        x().DeInitPlugin();
+        fs::current_path(previous);
+        fs::remove_all(dir);
+    }
+    const PluginExports& x() const { return library.Exports(); }
+
+    // VDP2 display on at 320 x 224; VDP1 in one-cycle mode drawing
+    // automatically, so every V-blank-out presents a frame.
+    void ProgramOneCycleFrames() {
+        x().WriteWordVDP2Regs(0x000, 0x8000);
+        x().WriteWordVDP1Regs(0x00, 0x0000);
+        x().WriteWordVDP1Regs(0x02, 0x0000);
+        x().WriteWordVDP1Regs(0x04, 0x0002);
+    }
+    int Capture(int w, int h) {
+        std::vector<unsigned char> rgba(static_cast<size_t>(w) * static_cast<size_t>(h) * 4 + 1);
+        return x().CaptureDisplay(rgba.data(), w, h);
+    }
+
+    CPluginLibrary library;
+    fs::path dir, previous;
+};
+
+TEST_F(HostRendererTest, OneCycleFramesAreCapturedAtTheRenderingSize) {
+    x().EmulationThreadStarting();
+    int w = 0, h = 0;
+    x().GetDisplaySize(&w, &h);
+    EXPECT_EQ(w, 320);
+    EXPECT_EQ(h, 240);
+    EXPECT_EQ(Capture(320, 240), 0) << "nothing presented yet";
+
+    ProgramOneCycleFrames();
+    for (int frame = 0; frame < 3; ++frame) {
+        x().VDPOnVblankIn();
+        x().VDPOnVblankOut();
+    }
+    x().GetDisplaySize(&w, &h);
+    EXPECT_EQ(w, 320);
+    EXPECT_EQ(h, 224);
+    EXPECT_EQ(Capture(320, 224), 1);
+    EXPECT_EQ(Capture(320, 240), 0) << "a size that does not match";
+    x().EmulationThreadStoping();
+}
+
+TEST_F(HostRendererTest, StartStopStart) {
+    for (int run = 0; run < 2; ++run) {
+        SCOPED_TRACE(run);
+        x().EmulationThreadStarting();
+        ProgramOneCycleFrames();
+        x().VDPOnVblankOut();
+        EXPECT_EQ(Capture(320, 224), 1);
+        x().EmulationThreadStoping();
+        EXPECT_EQ(Capture(320, 224), 0) << "no picture without a context";
+        x().VDPOnVblankOut();  // harmless while stopped
+    }
+}
+
+TEST_F(HostRendererTest, IdleVdp1PresentsNothing) {
+    x().EmulationThreadStarting();
+    x().WriteWordVDP2Regs(0x000, 0x8000);
+    x().WriteWordVDP1Regs(0x00, 0x0008);  // VBE set: not one-cycle mode
+    x().WriteWordVDP1Regs(0x02, 0x0000);  // and no change asked for
+    x().VDPOnVblankOut();
+    EXPECT_EQ(Capture(320, 224), 0);
+    x().EmulationThreadStoping();
+}
+
+}  // namespace
