@@ -1,7 +1,6 @@
 // The plug-in as a host sees it: build/libvdpgl.so loaded with dlopen and
 // driven only through its exports.
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <cstdlib>
 #include <cstring>
@@ -10,42 +9,14 @@
 #include <string>
 #include <vector>
 
-#include "plugin_library.h"
+#include "host_fixture.h"
 
 namespace fs = std::filesystem;
 using vdpgl::host::CPluginLibrary;
-using vdpgl::host::PluginExports;
 
 namespace {
 
-// Each test runs in a directory of its own: the plug-in creates its
-// replacement folder and deletes old logs in the current directory.
-class HostExportsTest : public ::testing::Test {
-protected:
-    void SetUp() override {
-        ASSERT_TRUE(library.Load(VDPGL_LIBRARY_PATH)) << library.Error();
-        char pattern[] = "/tmp/vdpgl-host-XXXXXX";
-        ASSERT_NE(mkdtemp(pattern), nullptr);
-        dir = pattern;
-        previous = fs::current_path();
-        fs::current_path(dir);
-    }
-    void TearDown() override {
-        if (initialised) x().DeInitPlugin();
-        fs::current_path(previous);
-        fs::remove_all(dir);
-    }
-    const PluginExports& x() const { return library.Exports(); }
-    void Init() {
-        void* record[2] = {nullptr, nullptr};
-        ASSERT_TRUE(x().InitVDPPlugin(record));
-        initialised = true;
-    }
-
-    CPluginLibrary library;
-    fs::path dir, previous;
-    bool initialised = false;
-};
+using HostExportsTest = vdpgl::host::HostTest;
 
 TEST_F(HostExportsTest, InformationCallsAnswerBeforeInitialisation) {
     EXPECT_EQ(x().GetPluginType(), 0x82);

@@ -1,37 +1,20 @@
 // The renderer as a host sees it: a headless start, frames presented at
 // V-blank-outs, captures of the rendering size, start-stop-start.
 #include <gtest/gtest.h>
-#include <unistd.h>
 
-#include <cstdlib>
-#include <filesystem>
 #include <vector>
 
-#include "plugin_library.h"
+#include "host_fixture.h"
 
-namespace fs = std::filesystem;
-using vdpgl::host::CPluginLibrary;
-using vdpgl::host::PluginExports;
 
 namespace {
 
-class HostRendererTest : public ::testing::Test {
+class HostRendererTest : public vdpgl::host::HostTest {
 protected:
     void SetUp() override {
-        ASSERT_TRUE(library.Load(VDPGL_LIBRARY_PATH)) << library.Error();
-        char pattern[] = "/tmp/vdpgl-host-XXXXXX";
-        ASSERT_NE(mkdtemp(pattern), nullptr);
-        dir = pattern;
-        previous = fs::current_path();
-        fs::current_path(dir);
-        ASSERT_TRUE(x().InitVDPPlugin(nullptr));
+        HostTest::SetUp();
+        Init();
     }
-    void TearDown() override {
-        x().DeInitPlugin();
-        fs::current_path(previous);
-        fs::remove_all(dir);
-    }
-    const PluginExports& x() const { return library.Exports(); }
 
     // VDP2 display on at 320 x 224; VDP1 in one-cycle mode drawing
     // automatically, so every V-blank-out presents a frame.
@@ -46,8 +29,6 @@ protected:
         return x().CaptureDisplay(rgba.data(), w, h);
     }
 
-    CPluginLibrary library;
-    fs::path dir, previous;
 };
 
 TEST_F(HostRendererTest, OneCycleFramesAreCapturedAtTheRenderingSize) {
