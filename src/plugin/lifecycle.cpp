@@ -63,7 +63,6 @@ bool InitVDPPlugin(void* record) {
 }
 
 void DeInitPlugin(void) {
-    plugin.running.store(false);
     vdpgl::DestroyObjects();
 }
 
@@ -86,11 +85,9 @@ void EmulationThreadStarting(void) {
     plugin.renderer->InitGl(plugin.displayWindow.load());
     plugin.vdp1->Reset();
     plugin.vdp2->ResetVdp2();
-    plugin.running.store(true);
 }
 
 void EmulationThreadStoping(void) {
-    plugin.running.store(false);
     if (plugin.renderer) plugin.renderer->ReleaseGl();
 }
 

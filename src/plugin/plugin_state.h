@@ -25,8 +25,6 @@ struct PluginState {
     std::atomic<void*> backgroundViewerDialog{nullptr};
     std::atomic<void*> textureEditorDialog{nullptr};
     std::string replacementTextureSetPath;
-    // Between EmulationThreadStarting and EmulationThreadStoping.
-    std::atomic<bool> running{false};
 };
 
 extern PluginState plugin;
