@@ -4,7 +4,7 @@ BUILD ?= build
 JOBS ?= $(shell nproc)
 CMAKE_FLAGS ?=
 
-.PHONY: all deps build test bench test-sanitize test-tsan demo clean
+.PHONY: all deps build test bench test-sanitize demo clean
 
 all: build
 

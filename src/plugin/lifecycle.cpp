@@ -88,6 +88,9 @@ void EmulationThreadStarting(void) {
 }
 
 void EmulationThreadStoping(void) {
+    // Cached textures belong to this context: they go with it, so that the
+    // next start's cache holds no names of a context that no longer exists.
+    if (plugin.vdp1) plugin.vdp1->ClearPatternCache();
     if (plugin.renderer) plugin.renderer->ReleaseGl();
 }
 

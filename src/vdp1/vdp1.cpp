@@ -11,13 +11,21 @@ using namespace vdp1reg;
 
 CVdp1::CVdp1(COpenGl& r) : renderer(r) {
     renderer.SetVdp1TextureTable(characterPatterns);
+    // Every command of a walk may land in one list; reserving that much
+    // keeps the walk free of allocations.
+    for (auto& list : partsListVectors) list.reserve(kMaxCommandsPerWalk);
     Reset();
 }
 
-CVdp1::~CVdp1() { ClearPatternCache(); }
+CVdp1::~CVdp1() {
+    for (auto& list : partsListVectors) list.clear();
+    partPool.Clear();
+    ClearPatternCache();
+}
 
 void CVdp1::Link(CVdp2& v) {
     vdp2 = &v;
+    CVdp1Part::Link({&renderer, this, vdp2, &vram, characterPatterns});
     CVdp1CharacterPattern::InitializeStatics(characterPatterns, &renderer, this, vdp2);
 }
 
@@ -246,15 +254,6 @@ Vdp1FrameActions CVdp1::FrameControl() {
     return actions;
 }
 
-void CVdp1::Frame() {
-    const Vdp1FrameActions actions = FrameControl();
-    // The command list is walked and drawn here once the part lists exist;
-    // until then a due draw leaves the back buffer as it is.
-    if (actions.swap) renderer.SwapFrameBuffers();
-    if (actions.erase) renderer.ClearFrameBuffer();
-    PurgeModifiedPatterns();
-}
-
 std::vector<CVdp1CharacterPattern*> CVdp1::GetCachedPatterns() const {
     std::vector<CVdp1CharacterPattern*> patterns;
     const CVdp1CharacterPattern* previous = nullptr;
@@ -266,11 +265,13 @@ std::vector<CVdp1CharacterPattern*> CVdp1::GetCachedPatterns() const {
 }
 
 void CVdp1::PurgeModifiedPatterns() {
+    std::lock_guard lock(cacheMutex);
     DeleteTableEntriesWhere(characterPatterns, kPatternTableSize, doomedPatterns,
                             [](const CVdp1CharacterPattern* p) { return p->modified.load(std::memory_order_relaxed); });
 }
 
 void CVdp1::ClearPatternCache() {
+    std::lock_guard lock(cacheMutex);
     DeleteTableEntriesWhere(characterPatterns, kPatternTableSize, doomedPatterns,
                             [](const CVdp1CharacterPattern*) { return true; });
 }

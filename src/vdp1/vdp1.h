@@ -5,11 +5,14 @@
 #include <array>
 #include <atomic>
 #include <cstdint>
+#include <mutex>
 #include <vector>
 
 #include "common/console_vram.h"
 #include "common/module_log.h"
 #include "vdp1/vdp1_character_pattern/vdp1_character_pattern.h"
+#include "vdp1/vdp1_part.h"
+#include "vdp1/vdp1_part_pool.h"
 #include "vdp1/vdp1_registers.h"
 
 namespace vdpgl {
@@ -17,16 +20,6 @@ namespace vdpgl {
 class COpenGl;
 class CVdp2;
 
-// Kinds of drawing parts, as the control panel switches them.
-enum Vdp1PartKind : int {
-    kNormalSprite = 0,
-    kScaledSprite,
-    kDistortedSprite,
-    kPolygon,
-    kPolyline,
-    kLine,
-    kPartKindCount
-};
 
 // What the frame control decided at a V-blank-out.
 struct Vdp1FrameActions {
@@ -39,6 +32,9 @@ struct Vdp1FrameActions {
 class CVdp1 {
 public:
     static constexpr uint32_t kPatternTableSize = CConsoleVram::kSize >> 3;
+    // A walk stops after this many commands without an END bit.
+    static constexpr int kMaxCommandsPerWalk = 4001;
+    static constexpr int kPriorityCount = 8;
 
     explicit CVdp1(COpenGl& renderer);
     ~CVdp1();
@@ -72,7 +68,8 @@ public:
     bool IsPartEnabled(int kind) const;
     void OnHblankIn() {}
 
-    // Patterns in address order, each once, leaving out modified ones.
+    // Patterns in address order, each once, leaving out modified ones. The
+    // caller holds cacheMutex while it uses them.
     std::vector<CVdp1CharacterPattern*> GetCachedPatterns() const;
     CVdp1CharacterPattern* GetPattern(uint32_t address) const {
         return characterPatterns[(address & CConsoleVram::kMask) >> 3];
@@ -85,6 +82,9 @@ public:
     // VDP1's frame at a V-blank-out: frame control, then drawing, swap and
     // erase as it decided, then the purge of modified patterns.
     void Frame();
+    // Walks the command list from address 0 and files one part per drawing
+    // command in the list of its priority; sets COPR and, at an END, EDSR.
+    void BuildPartsListVectors();
     // After the frame: patterns that VRAM writes made modified are deleted.
     void PurgeModifiedPatterns();
     // Deletes every cached pattern and empties the table.
@@ -94,9 +94,14 @@ public:
 
     COpenGl& renderer;
     CVdp2* vdp2 = nullptr;
+    // The parts of the last walk by priority, in command order.
+    std::array<std::vector<CVdp1Part*>, kPriorityCount> partsListVectors;
     uint16_t registers[vdp1reg::kCount] = {};
     CConsoleVram vram;
     CVdp1CharacterPattern* characterPatterns[kPatternTableSize] = {};
+    // Held by the emulation thread while it changes the table or its patterns,
+    // and by the editor while it reads them.
+    std::mutex cacheMutex;
     std::atomic<bool> clearCacheRequested{false};
     uint32_t eightBitsPerPixel = 0;
     bool highResolution = false;
@@ -115,6 +120,7 @@ public:
     int32_t xScale = 1;
 
 private:
+    void Append(uint32_t priority, CVdp1Part* part);
     void MarkPatternModified(uint32_t a) {
         if (CVdp1CharacterPattern* p = characterPatterns[(a & CConsoleVram::kMask) >> 3])
             p->modified.store(true, std::memory_order_relaxed);
@@ -127,6 +133,7 @@ private:
     // stops doubling the picture.
     int32_t interlaceYScale = 1;
     std::vector<CVdp1CharacterPattern*> doomedPatterns;  // reused by the purge
+    CVdp1PartPool partPool{kMaxCommandsPerWalk};
     CModuleLog log{"vdp1.log"};
 };
 

@@ -281,6 +281,21 @@ uint32_t CVdp2::GetSpriteColor(uint32_t index) const {
     return colorTable[cram[(index + offset * 256) & 0x7FF]];
 }
 
+void CVdp2::DrawBackgrounds(int priority) {
+    if (priority == 0 || !DisplayEnabled()) return;
+    // At one level the later background covers the earlier: NBG0 covers
+    // NBG1 covers NBG2 covers NBG3, and the rotation backgrounds cover them.
+    static constexpr int kOrder[] = {3, 2, 1, 0, 4, 5};
+    for (int bgNumber : kOrder) {
+        CBackground* background = backgrounds[bgNumber];
+        if (background && background->GetPriority() == static_cast<uint32_t>(priority)) background->Draw();
+    }
+}
+
+void CVdp2::SetBackground(int bgNumber, CBackground* background) {
+    if (bgNumber >= 0 && bgNumber < kBackgroundCount) backgrounds[bgNumber] = background;
+}
+
 uint32_t CVdp2::GetPaletteStamp(uint32_t block, uint32_t kind) const {
     switch (kind) {
     case 0: return palette16Stamps[block & 127];

@@ -7,6 +7,7 @@
 
 #include "common/console_vram.h"
 #include "common/module_log.h"
+#include "vdp2/background/background.h"
 #include "vdp2/background/background_names.h"
 #include "vdp2/background/bitmap_write_listener.h"
 #include "vdp2/vdp2_character_pattern/vdp2_character_pattern.h"
@@ -80,6 +81,12 @@ public:
         return spritePriorities[(color & spritePriorityMask) >> spritePriorityShift];
     }
 
+    // Draws the backgrounds of one priority level, NBG3 first and RBG1 last;
+    // nothing at priority 0 or while the display is off.
+    void DrawBackgrounds(int priority);
+    // Puts a background in its slot (bgNumber 0-5) for composition.
+    void SetBackground(int bgNumber, CBackground* background);
+
     void ClearCellCache();
     void SetBitmapWriteListener(int bgNumber, CBitmapWriteListener* listener);
 
@@ -92,8 +99,8 @@ public:
     uint16_t registers[vdp2reg::kCount] = {};
     CConsoleVram vram;
     uint16_t* cram;
-    uint16_t spritePriorityMask = 0;
-    uint32_t spritePriorityShift = 0;
+    uint16_t spritePriorityMask = 0xC000;  // sprite type 0, as SPCTL = 0 decodes
+    uint32_t spritePriorityShift = 14;
     uint8_t spritePriorities[8] = {};
     uint32_t spriteType = 0;
     uint16_t cramMode = 0;
@@ -136,6 +143,7 @@ private:
     void MergeCramByte(uint32_t index, uint32_t a, uint8_t v);
 
     std::array<CBitmapWriteListener*, 2> bitmapWriteListeners{};
+    std::array<CBackground*, kBackgroundCount> backgrounds{};
     std::vector<CVdp2CharacterPattern*> doomedCells;  // reused by cache clears
     // Background modules keep a log of their own, set up when VDP2 is built.
     std::array<CModuleLog, kBackgroundCount> backgroundLogs;

@@ -20,11 +20,20 @@ constexpr uint32_t PRISA = 0x0F0;
 constexpr uint32_t PRISB = 0x0F2;
 constexpr uint32_t PRISC = 0x0F4;
 constexpr uint32_t PRISD = 0x0F6;
+constexpr uint32_t CLOFEN = 0x110;
+constexpr uint32_t CLOFSL = 0x112;
+constexpr uint32_t COAR = 0x114;
+constexpr uint32_t COAG = 0x116;
+constexpr uint32_t COAB = 0x118;
+constexpr uint32_t COBR = 0x11A;
+constexpr uint32_t COBG = 0x11C;
+constexpr uint32_t COBB = 0x11E;
 
 constexpr uint32_t kAddressMask = 0x1FF;
 constexpr uint32_t kCount = 256;
 
 constexpr uint16_t TVMD_DISP = 0x8000;     // display enabled
 constexpr uint16_t RAMCTL_CRMD = 0x3000;   // colour RAM mode
+constexpr uint16_t CLOF_SPRITE = 0x0040;   // CLOFEN/CLOFSL: the sprite's bit
 
 }  // namespace vdpgl::vdp2reg

@@ -288,5 +288,14 @@ TEST_F(Vdp2RegistersTest, ResetClearsStateButKeepsFrameCounterAndModeDecoding) {
     EXPECT_EQ(vdp2->spritePriorityShift, 12u);
 }
 
+TEST_F(Vdp2RegistersTest, FreshVdp2ReadsSpritePrioritiesAsSpriteTypeZero) {
+    // SPCTL starts at 0, and writing 0 changes nothing, so type 0's bits must
+    // hold from the start: bits 15-14 of the sprite colour.
+    vdp2->WriteRegisterWord(SPCTL, 0);
+    vdp2->WriteRegisterWord(PRISB, 0x0005);  // priority number 2
+    EXPECT_EQ(vdp2->SpritePriority(0x8000), 5);
+    EXPECT_EQ(vdp2->SpritePriority(0x3FFF), 0);
+}
+
 }  // namespace
 }  // namespace vdpgl

@@ -18,6 +18,7 @@ namespace vdpgl {
 
 class CVdp1CharacterPattern;
 class CVdp1Part;
+class CVdp1SpritePart;
 
 namespace platform {
 class CGlContext;
@@ -81,6 +82,9 @@ public:
                     float green, float blue, float secondaryRed, float secondaryGreen, float secondaryBlue,
                     float alpha);
     void DrawRotationBackground(int bgNumber, const uint32_t* pixels, int width, int height);
+    // A sprite with its cached texture (skipped when its character has none),
+    // mirrored as its direction says.
+    void DrawTexturedPart(const CVdp1SpritePart& part);
     void DrawPolygon(const CVdp1Part& part);
     void DrawPolyline(const CVdp1Part& part);
     void DrawLine(const CVdp1Part& part);

@@ -4,6 +4,7 @@
 #include "common/consistency_check.h"
 #include "render/opengl/gl_headers.h"
 #include "render/opengl/opengl.h"
+#include "vdp1/vdp1_character_pattern/vdp1_character_pattern.h"
 #include "vdp1/vdp1_part.h"
 
 namespace vdpgl {
@@ -80,16 +81,51 @@ void COpenGl::DrawRotationBackground(int bgNumber, const uint32_t* pixels, int w
     glDisable(GL_TEXTURE_2D);
 }
 
-void COpenGl::DrawUntexturedPart(const CVdp1Part& part, unsigned mode, int vertexCount) {
-    if (!context) return;
-    // Colour sum stays on: an untextured part gets its own colour offset
-    // rather than whatever the last textured primitive left in force.
-    glBegin(mode);
-    for (int i = 0; i < vertexCount; ++i) {
+void COpenGl::DrawTexturedPart(const CVdp1SpritePart& part) {
+    if (!context || !vdp1TextureTable) return;
+    const CVdp1CharacterPattern* pattern = vdp1TextureTable[(part.characterAddress >> 3) & 0xFFFF];
+    if (!pattern) return;
+    const uint32_t texture = pattern->GetTextureId(part);
+    if (!texture) return;  // texture 0 would draw the part as a plain quad
+
+    // Corners A, B, C, D; a flip moves the far texture edge to the other side.
+    const float sMax = pattern->uMax, tMax = pattern->vMax;
+    float s[4] = {}, t[4] = {};
+    if (part.IsFlippedHorizontally())
+        s[0] = s[3] = sMax;
+    else
+        s[1] = s[2] = sMax;
+    if (part.IsFlippedVertically())
+        t[0] = t[1] = tMax;
+    else
+        t[2] = t[3] = tMax;
+
+    glBindTexture(GL_TEXTURE_2D, texture);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
+    glEnable(GL_TEXTURE_2D);
+    glBegin(GL_QUADS);
+    for (int i = 0; i < 4; ++i) {
         const Vdp1Rgb& c = part.colors[i];
         const Vdp1Rgb& offset = part.secondaryColors[i];
+        glTexCoord2f(s[i], t[i]);
         glColor4f(c.red, c.green, c.blue, part.alpha);
         secondaryColorFunction(offset.red, offset.green, offset.blue);
+        glVertex2f(DeviceX(part.vertices[i].x), DeviceY(part.vertices[i].y));
+    }
+    glEnd();
+    glDisable(GL_TEXTURE_2D);
+}
+
+void COpenGl::DrawUntexturedPart(const CVdp1Part& part, unsigned mode, int vertexCount) {
+    if (!context) return;
+    // Colour sum stays on: shapes carry their colour offset in the primary
+    // colour, so no secondary colour is left over from a textured primitive.
+    glBegin(mode);
+    secondaryColorFunction(0.0f, 0.0f, 0.0f);
+    for (int i = 0; i < vertexCount; ++i) {
+        const Vdp1Rgb& c = part.colors[i];
+        glColor4f(c.red, c.green, c.blue, part.alpha);
         glVertex2f(DeviceX(part.vertices[i].x), DeviceY(part.vertices[i].y));
     }
     glEnd();

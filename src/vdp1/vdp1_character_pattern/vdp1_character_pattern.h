@@ -1,22 +1,47 @@
 #pragma once
-// CVdp1CharacterPattern: one cached VDP1 character pattern. CVdp1's table maps
-// every 8-byte unit of VDP1 VRAM to the pattern that covers it; a VRAM write
-// that changes a byte under a pattern marks it modified, and modified
-// patterns are purged after the frame. Decoding and textures are added by the
-// texture cache; this holds what the table and the ports rely on.
+// CVdp1CharacterPattern: one cached VDP1 character pattern, a run of VDP1 VRAM
+// that a sprite used as its character. It keeps the pattern's geometry and
+// colour mode, a CRC-32 of its data (what replacement sets match on) and one
+// GL texture per palette it was drawn with. CVdp1's table maps every 8-byte
+// unit of VRAM to the pattern covering it and owns the patterns; a VRAM write
+// that changes a byte under a pattern marks it modified, and modified patterns
+// are rebuilt by the next sprite that uses them or purged after the frame.
+//
+// The emulation thread changes the table and the patterns only while holding
+// CVdp1::cacheMutex; the editor reads them under the same lock.
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "common/module_log.h"
 
 namespace vdpgl {
 
 class COpenGl;
+class CConsoleVram;
 class CVdp1;
+class CVdp1SpritePart;
 class CVdp2;
+
+// One texture of a replacement set: the TIFF file that stands for every
+// pattern with this CRC drawn with this CMDCOLR.
+struct Vdp1ReplacementTexture {
+    std::string fileName;
+    uint32_t crc = 0;
+    uint32_t colorCtrl = 0;
+};
+
+// Result of comparing a cached pattern with a part that uses its address.
+enum Vdp1PatternMatch : int { kPatternEqual = 0, kPatternOtherPalette = 1, kPatternOtherPart = 2 };
 
 class CVdp1CharacterPattern {
 public:
+    static constexpr int kPaletteCount = 128;
+    static constexpr uint32_t kOpaqueBlack = 0xFF000000u;
+
     CVdp1CharacterPattern();
     ~CVdp1CharacterPattern();
     CVdp1CharacterPattern(const CVdp1CharacterPattern&) = delete;
@@ -26,18 +51,113 @@ public:
     // processors; resets the pattern count and deletes the module's old log.
     static void InitializeStatics(CVdp1CharacterPattern** table, COpenGl* renderer, CVdp1* vdp1, CVdp2* vdp2);
     static int PatternCount() { return patternCount.load(std::memory_order_relaxed); }
+    // Replacement sets: the cache is cleared at the start of the next frame
+    // so that every pattern is generated anew with or without them.
+    static void EnableReplacementTextures(const std::vector<Vdp1ReplacementTexture>& textures);
+    static void DisableReplacementTextures();
+    static bool ReplacementTexturesEnabled() { return statics.replacementTexturesEnabled.load(std::memory_order_acquire); }
+    static const uint32_t* Rgb555ToRgba() { return statics.rgb555ToRgba.data(); }
+    // Power-of-two texture size for a used size (0 stays 0).
+    static int32_t TextureDimension(int32_t used);
+    // Pixel data bytes of a pattern of this size in this colour mode.
+    static int32_t DataSize(uint32_t colorMode, int32_t width, int32_t height);
 
+    // The texture cache protocol, run by a sprite when it is built: finds,
+    // adds or (re)generates the texture of the part's pattern and palette.
+    // Returns the pattern now filed at the part's character address.
+    static CVdp1CharacterPattern* UseTexture(const CVdp1SpritePart& part);
+    // Deletes a pattern through the table: its entries are emptied first.
+    static void Delete(CVdp1CharacterPattern* pattern) { delete pattern; }
+
+    void GenerateTexture(const CVdp1SpritePart& part);
+    void AddTexture(const CVdp1SpritePart& part);
+    Vdp1PatternMatch Compare(const CVdp1SpritePart& part) const;
+    uint32_t GetTextureId(const CVdp1SpritePart& part) const;
+    bool FindReplacementTexture(const CVdp1SpritePart& part, Vdp1ReplacementTexture& found) const;
+
+    // For the editor: the pattern as a tight width x height picture (the
+    // caller's buffer holds at least width x height texels), and its
+    // description. Both use the values of the parts that drew it.
+    void GetImage(uint32_t* destination) const;
+    void GetInformation(char* buffer, std::size_t size) const;
+
+    uint32_t GetColorCtrl() const { return colorCtrl; }
+    uint32_t GetCrc() const { return crc; }
+    uint32_t GetStartAddress() const { return startAddress; }
+
+    // The twelve decoders, one texture and one image decoder per colour mode.
+    // Texture decoders fill texels with row stride textureWidth and clear
+    // allBlack when a texel is not opaque black.
+    void DecodeTexture16ColorsColorBank(const CVdp1SpritePart& part);
+    void DecodeTexture16ColorsLut(const CVdp1SpritePart& part);
+    void DecodeTexture64ColorsColorBank(const CVdp1SpritePart& part);
+    void DecodeTexture128ColorsColorBank(const CVdp1SpritePart& part);
+    void DecodeTexture256ColorsColorBank(const CVdp1SpritePart& part);
+    void DecodeTexture32KColors(const CVdp1SpritePart& part);
+    void DecodeImage16ColorsColorBank(uint32_t* destination) const;
+    void DecodeImage16ColorsLut(uint32_t* destination) const;
+    void DecodeImage64ColorsColorBank(uint32_t* destination) const;
+    void DecodeImage128ColorsColorBank(uint32_t* destination) const;
+    void DecodeImage256ColorsColorBank(uint32_t* destination) const;
+    void DecodeImage32KColors(uint32_t* destination) const;
+
+    std::vector<std::pair<uint32_t, uint32_t>> lutModeOpenglTextureIds;  // (CMDCOLR, texture)
+    uint32_t cbModeOpenglTextureIds[kPaletteCount] = {};
+    uint32_t rgbModeOpenglTextureId = 0;
+    uint32_t colorCtrl = 0;  // of the generating part
+    int32_t width = 0;
+    int32_t height = 0;
+    uint16_t characterSize = 0;
+    uint32_t colorMode = 0;
+    uint32_t dataSize = 0;
     uint32_t startAddress = 0;
     uint32_t endAddress = 0;
+    uint8_t transparentPixelDisabled = 0;
     // Set by the VRAM ports on the emulation thread, read by the editor too.
     std::atomic<bool> modified{false};
+    uint8_t allBlack = 1;
+    // Copies of the last generating or adding part's CMDCOLR and ECD: the
+    // part itself is gone after the next walk, the editor asks at any time.
+    uint32_t partColorCtrl = 0;
+    uint8_t partEndCodeDisabled = 0;
+    uint32_t* texels = nullptr;  // decoding buffer, only inside Generate/AddTexture
+    int32_t textureHeight = 0;
+    int32_t textureWidth = 0;
+    float uMax = 0.0f;
+    float vMax = 0.0f;
+    uint32_t crc = 0;
 
 private:
+    // What one decode reads: the part's values for a texture, the pattern's
+    // copies for an image.
+    struct DecodeSource {
+        uint32_t colorCtrl;
+        uint32_t startAddress;
+        bool endCodeDisabled;
+        bool transparentPixelDisabled;
+    };
+    static DecodeSource SourceOf(const CVdp1SpritePart& part);
+    DecodeSource ImageSource() const;
+    // Decodes in the given mode into destination with this row stride;
+    // returns false when a texel other than opaque black was produced.
+    bool Decode(uint32_t mode, const DecodeSource& source, uint32_t* destination, int32_t stride) const;
+    // The texture decoder of a colour mode, then the padding cleared.
+    void RunTextureDecoder(uint32_t mode, const CVdp1SpritePart& part);
+    void DecodeTextureInMode(const CVdp1SpritePart& part, uint32_t mode);
+    void FileTexture(const CVdp1SpritePart& part, uint32_t id, bool adding);
+    void MapInTable();
+    void PrepareTexels();
+
     struct Statics {
         CVdp1CharacterPattern** characterPatterns = nullptr;
         COpenGl* renderer = nullptr;
         CVdp1* vdp1 = nullptr;
         CVdp2* vdp2 = nullptr;
+        const CConsoleVram* vram = nullptr;
+        std::vector<uint32_t> rgb555ToRgba;
+        std::atomic<bool> replacementTexturesEnabled{false};
+        std::vector<Vdp1ReplacementTexture> replacementTextures;
+        std::vector<uint32_t> texelBuffer;  // reused by every decode
         CModuleLog log;
     };
     static Statics statics;

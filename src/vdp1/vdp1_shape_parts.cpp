@@ -1,0 +1,75 @@
+// Polygons, polylines and lines: CMDCOLR is always a 15-bit RGB colour here
+// (a colour-bank code is not looked up), shaded, offset and clamped per
+// vertex. A polygon of colour 0 clears the picture instead of drawing.
+#include <algorithm>
+
+#include "render/opengl/opengl.h"
+#include "vdp1/vdp1_part.h"
+
+namespace vdpgl {
+
+namespace {
+
+float Clamp(float v) { return std::clamp(v, 0.0f, 1.0f); }
+
+}  // namespace
+
+CVdp1ShapePart::CVdp1ShapePart(const Vdp1CommandTable& c) : CVdp1Part(c) {
+    clearsScreen = colorCtrl == 0;
+    const Vdp1Rgb base{static_cast<float>(colorCtrl & 0x1F) / 31.0f, static_cast<float>((colorCtrl >> 5) & 0x1F) / 31.0f,
+                       static_cast<float>((colorCtrl >> 10) & 0x1F) / 31.0f};
+    Vdp1Rgb gouraud[4];
+    GouraudOffsets(gouraud);
+    const Vdp1Rgb offset = ColorOffset();
+    float scale = 1.0f;
+    switch (colorCalculation) {
+    case kShadow:
+        alpha = 0.5f;
+        scale = 0.0f;
+        break;
+    case kHalfLuminance:
+    case kGouraudHalfLuminance: scale = 0.5f; break;
+    case kHalfTransparency:
+    case kGouraudHalfTransparency: alpha = 0.5f; break;
+    default: alpha = 1.0f; break;  // replace, gouraud and the prohibited mode 5
+    }
+    if (mesh) alpha = 0.5f;  // mesh is drawn as half transparency
+    for (int v = 0; v < 4; ++v) {
+        colors[v].red = Clamp((base.red + gouraud[v].red) * scale + offset.red);
+        colors[v].green = Clamp((base.green + gouraud[v].green) * scale + offset.green);
+        colors[v].blue = Clamp((base.blue + gouraud[v].blue) * scale + offset.blue);
+    }
+}
+
+CVdp1Polygon::CVdp1Polygon(const Vdp1CommandTable& c, int32_t localX, int32_t localY) : CVdp1ShapePart(c) {
+    PlaceVertices(4, localX, localY);
+    type = kPolygon;
+}
+
+void CVdp1Polygon::Draw() {
+    if (!shared.renderer) return;
+    if (clearsScreen)
+        shared.renderer->RequestClear();
+    else
+        shared.renderer->DrawPolygon(*this);
+}
+
+CVdp1Polyline::CVdp1Polyline(const Vdp1CommandTable& c, int32_t localX, int32_t localY) : CVdp1ShapePart(c) {
+    PlaceVertices(4, localX, localY);
+    type = kPolyline;
+}
+
+void CVdp1Polyline::Draw() {
+    if (shared.renderer) shared.renderer->DrawPolyline(*this);
+}
+
+CVdp1Line::CVdp1Line(const Vdp1CommandTable& c, int32_t localX, int32_t localY) : CVdp1ShapePart(c) {
+    PlaceVertices(2, localX, localY);  // C and D keep the command's values
+    type = kLine;
+}
+
+void CVdp1Line::Draw() {
+    if (shared.renderer) shared.renderer->DrawLine(*this);
+}
+
+}  // namespace vdpgl
