@@ -34,10 +34,10 @@ test-sanitize: deps
 	cmake --build $(BUILD)-asan -j $(JOBS)
 	ASAN_OPTIONS=detect_leaks=0 ctest --test-dir $(BUILD)-asan --output-on-failure -j $(JOBS)
 
+# Writes the demo traces and plays the sprite showcase (frames into
+# demo-frames/ while there is no display window).
 demo: build
-	@echo "The demo player (vdpgl-play) and its demo traces are not built yet;"
-	@echo "for now 'make test' shows the plug-in at work. See README.md."
-	@exit 1
+	@bash scripts/demo $(BUILD)
 
 clean:
-	rm -rf $(BUILD) $(BUILD)-bench $(BUILD)-asan
+	rm -rf $(BUILD) $(BUILD)-bench $(BUILD)-asan demo-frames

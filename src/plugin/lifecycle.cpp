@@ -1,10 +1,13 @@
 // Lifecycle and blanking exports: the order in which each call reaches the
 // renderer, VDP1 and VDP2.
+#include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <system_error>
 
 #include "plugin/plugin_state.h"
 #include "plugin/plugin_texts.h"
+#include "plugin/trace_recorder.h"
 #include "render/opengl/opengl.h"
 #include "vdp1/vdp1.h"
 #include "vdp2/vdp2.h"
@@ -27,6 +30,22 @@ void DestroyObjects() {
     plugin.renderer = nullptr;
 }
 
+// VDPGL_SCALE=<factor> starts at one of the display menu's rendering
+// scales (hosts without a menu, such as vdpgl-play, choose it this way).
+void ApplyScaleFromEnvironment() {
+    const char* text = std::getenv("VDPGL_SCALE");
+    if (!text || !*text) return;
+    char* end = nullptr;
+    const float scale = std::strtof(text, &end);
+    for (const vdpgl::RenderingScaleChoice& choice : vdpgl::kRenderingScales) {
+        if (end && *end == '\0' && scale == choice.scale) {
+            plugin.renderer->SetRenderingScale(scale);
+            return;
+        }
+    }
+    std::fprintf(stderr, "vdpgl: VDPGL_SCALE=%s is not one of the rendering scales; using 1\n", text);
+}
+
 }  // namespace
 
 }  // namespace vdpgl
@@ -36,6 +55,8 @@ using vdpgl::plugin;
 extern "C" {
 
 bool InitVDPPlugin(void* record) {
+    vdpgl::CTraceRecorder::StartFromEnvironment();
+    VDPGL_RECORD_EVENT(InitVDPPlugin);
     void* words[2] = {nullptr, nullptr};
     if (record) {
         void* const* given = static_cast<void* const*>(record);
@@ -54,6 +75,7 @@ bool InitVDPPlugin(void* record) {
     // so it comes after both exist.
     plugin.vdp1->Link(*plugin.vdp2);
     plugin.vdp2->Link(*plugin.vdp1);
+    vdpgl::ApplyScaleFromEnvironment();
 
     std::error_code ec;
     const std::filesystem::path folder = std::filesystem::current_path(ec) / vdpgl::kReplacementFolderName;
@@ -63,21 +85,25 @@ bool InitVDPPlugin(void* record) {
 }
 
 void DeInitPlugin(void) {
+    VDPGL_RECORD_EVENT(DeInitPlugin);
     vdpgl::DestroyObjects();
 }
 
 void Reset(void) {
+    VDPGL_RECORD_EVENT(Reset);
     if (!plugin.vdp1) return;
     plugin.vdp1->Reset();
     plugin.vdp2->ResetVdp2();
 }
 
 void SetupPlugin(void) {
+    VDPGL_RECORD_EVENT(SetupPlugin);
     // The control panel opens here once its dialog exists; until then there
     // is nothing to show.
 }
 
 void EmulationThreadStarting(void) {
+    VDPGL_RECORD_EVENT(EmulationThreadStarting);
     if (!plugin.vdp1) return;
     // The context becomes current on this, the emulation thread; every GL
     // call comes from here on. A failure has been shown to the user and
@@ -88,6 +114,7 @@ void EmulationThreadStarting(void) {
 }
 
 void EmulationThreadStoping(void) {
+    VDPGL_RECORD_EVENT(EmulationThreadStoping);
     // Cached textures belong to this context: they go with it, so that the
     // next start's cache holds no names of a context that no longer exists.
     if (plugin.vdp1) plugin.vdp1->ClearPatternCache();
@@ -95,10 +122,12 @@ void EmulationThreadStoping(void) {
 }
 
 void VDPOnVblankIn(void) {
+    VDPGL_RECORD_EVENT(VDPOnVblankIn);
     if (plugin.vdp2) plugin.vdp2->OnVblankIn();
 }
 
 void VDPOnVblankOut(void) {
+    VDPGL_RECORD_EVENT(VDPOnVblankOut);
     if (!plugin.vdp1) return;
     plugin.renderer->ApplyPendingChanges();
     plugin.vdp2->OnVblankOut();
@@ -106,12 +135,14 @@ void VDPOnVblankOut(void) {
 }
 
 void VDPOnHblankIn(void) {
+    VDPGL_RECORD_EVENT(VDPOnHblankIn);
     if (!plugin.vdp1) return;
     plugin.vdp1->OnHblankIn();
     plugin.vdp2->OnHblankIn();
 }
 
 void VDPOnHblankOut(void) {
+    VDPGL_RECORD_EVENT(VDPOnHblankOut);
     if (plugin.vdp2) plugin.vdp2->OnHblankOut();
 }
 

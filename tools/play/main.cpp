@@ -1,0 +1,107 @@
+// vdpgl-play: a host of our own. It loads the plug-in with dlopen, replays a
+// recorded trace through the real exports on an emulation thread, and can
+// save frames as PNG files and report frame times.
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <thread>
+
+#include "play_options.h"
+#include "plugin_library.h"
+#include "trace_player.h"
+
+namespace {
+
+enum ExitCode { kOk = 0, kBadUsage = 1, kBadTrace = 2, kNoPlugin = 3, kFailed = 4 };
+
+std::string DefaultPluginPath() {
+    std::error_code ec;
+    const std::filesystem::path self = std::filesystem::read_symlink("/proc/self/exe", ec);
+    return ec ? std::string("libvdpgl.so") : (self.parent_path() / "libvdpgl.so").string();
+}
+
+void ReportBench(const vdpgl::play::PlayResult& result) {
+    if (result.frameMilliseconds.empty()) {
+        std::printf("bench: no frames\n");
+        return;
+    }
+    std::vector<double> times = result.frameMilliseconds;
+    std::sort(times.begin(), times.end());
+    const double fps = result.seconds > 0 ? static_cast<double>(result.frames) / result.seconds : 0.0;
+    std::printf("bench: %ld frames in %.3f s: %.1f frames/s; frame time min %.3f ms, median %.3f ms, max %.3f ms\n",
+                result.frames, result.seconds, fps, times.front(), times[times.size() / 2], times.back());
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    std::string error;
+    const auto options = vdpgl::play::ParsePlayOptions(std::vector<std::string>(argv + 1, argv + argc), error);
+    if (!options) {
+        std::fprintf(stderr, "vdpgl-play: %s\n%s", error.c_str(), vdpgl::play::kUsage);
+        return kBadUsage;
+    }
+    if (options->help) {
+        std::printf("%s", vdpgl::play::kUsage);
+        return kOk;
+    }
+
+    vdpgl::trace::CTraceReader reader;
+    if (!reader.Open(options->tracePath)) {
+        std::fprintf(stderr, "vdpgl-play: %s\n", reader.Error().c_str());
+        return kBadTrace;
+    }
+    if (!options->captureDir.empty()) {
+        std::error_code ec;
+        std::filesystem::create_directories(options->captureDir, ec);
+        if (ec) {
+            std::fprintf(stderr, "vdpgl-play: cannot create \"%s\": %s\n", options->captureDir.c_str(),
+                         ec.message().c_str());
+            return kFailed;
+        }
+    }
+    // The plug-in reads these when it starts.
+    if (options->headless) setenv("VDPGL_HEADLESS", "1", 1);
+    if (options->scaleGiven) setenv("VDPGL_SCALE", std::to_string(options->scale).c_str(), 1);
+
+    vdpgl::host::CPluginLibrary library;
+    const std::string pluginPath = options->pluginPath.empty() ? DefaultPluginPath() : options->pluginPath;
+    if (!library.Load(pluginPath)) {
+        std::fprintf(stderr, "vdpgl-play: %s\n", library.Error().c_str());
+        return kNoPlugin;
+    }
+
+    vdpgl::play::CTracePlayer player(library.Exports(), reader,
+                                     {options->frames, options->captureDir, options->captureEvery});
+    const bool terminal = isatty(STDERR_FILENO);
+    auto lastProgress = std::chrono::steady_clock::now();
+    if (terminal) {
+        player.onFrame = [&](long frames, double done) {
+            const auto now = std::chrono::steady_clock::now();
+            if (now - lastProgress < std::chrono::milliseconds(100)) return;
+            lastProgress = now;
+            std::fprintf(stderr, "\rframe %ld, %3.0f%% of the trace", frames, done * 100.0);
+        };
+    }
+    // The host's emulation thread: every call of the replay comes from it.
+    vdpgl::play::PlayResult result;
+    std::thread emulation([&] { result = player.Play(); });
+    emulation.join();
+    if (terminal) std::fprintf(stderr, "\r%*s\r", 40, "");
+
+    std::printf("%ld frames played", result.frames);
+    if (result.captures) std::printf(", %ld written to %s", result.captures, options->captureDir.c_str());
+    std::printf("\n");
+    if (options->bench) ReportBench(result);
+    if (!result.ok) {
+        std::fprintf(stderr, "vdpgl-play: %s\n", result.error.c_str());
+        return kFailed;
+    }
+    if (!result.complete && options->frames < 0)
+        std::fprintf(stderr, "vdpgl-play: note: the trace has no end record (its recording was cut short)\n");
+    return kOk;
+}

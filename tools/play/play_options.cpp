@@ -1,0 +1,110 @@
+#include "play_options.h"
+
+#include <cstdlib>
+
+#include "render/opengl/opengl.h"
+
+namespace vdpgl::play {
+
+const char* const kUsage =
+    "usage: vdpgl-play [options] TRACE\n"
+    "Replays a trace through the plug-in's exports, as a host would.\n"
+    "  --plugin PATH       the plug-in to load (default: libvdpgl.so beside vdpgl-play)\n"
+    "  --headless          render offscreen even when a display is there\n"
+    "  --frames N          stop after N frames\n"
+    "  --capture-dir DIR   write frames as DIR/frame-NNNNNN.png\n"
+    "  --capture-every K   capture every K-th frame (default 1)\n"
+    "  --scale S           rendering scale: 1, 1.25, 2, 2.5, 3, 3.2, 4 or 5\n"
+    "  --bench             report frames per second and frame times\n"
+    "  --help              this text\n";
+
+namespace {
+
+bool ParseCount(const std::string& text, long minimum, long& value) {
+    char* end = nullptr;
+    const long v = std::strtol(text.c_str(), &end, 10);
+    if (text.empty() || *end != '\0' || v < minimum) return false;
+    value = v;
+    return true;
+}
+
+}  // namespace
+
+std::optional<PlayOptions> ParsePlayOptions(const std::vector<std::string>& arguments, std::string& error) {
+    PlayOptions options;
+    for (size_t i = 0; i < arguments.size(); ++i) {
+        const std::string& a = arguments[i];
+        // Options that take a value, as "--name VALUE" or "--name=VALUE".
+        std::string name = a, value;
+        bool hasValue = false;
+        if (const size_t eq = a.find('='); a.rfind("--", 0) == 0 && eq != std::string::npos) {
+            name = a.substr(0, eq);
+            value = a.substr(eq + 1);
+            hasValue = true;
+        }
+        const auto takeValue = [&]() -> bool {
+            if (hasValue) return true;
+            if (i + 1 >= arguments.size()) {
+                error = name + " needs a value";
+                return false;
+            }
+            value = arguments[++i];
+            return true;
+        };
+        if (name == "--help" || name == "-h") {
+            options.help = true;
+        } else if (name == "--headless") {
+            options.headless = true;
+        } else if (name == "--bench") {
+            options.bench = true;
+        } else if (name == "--plugin") {
+            if (!takeValue()) return std::nullopt;
+            options.pluginPath = value;
+        } else if (name == "--capture-dir") {
+            if (!takeValue()) return std::nullopt;
+            options.captureDir = value;
+        } else if (name == "--frames") {
+            if (!takeValue()) return std::nullopt;
+            if (!ParseCount(value, 0, options.frames)) {
+                error = "--frames needs a number of frames, not \"" + value + "\"";
+                return std::nullopt;
+            }
+        } else if (name == "--capture-every") {
+            if (!takeValue()) return std::nullopt;
+            if (!ParseCount(value, 1, options.captureEvery)) {
+                error = "--capture-every needs a count of 1 or more, not \"" + value + "\"";
+                return std::nullopt;
+            }
+        } else if (name == "--scale") {
+            if (!takeValue()) return std::nullopt;
+            char* end = nullptr;
+            const float s = std::strtof(value.c_str(), &end);
+            bool known = !value.empty() && *end == '\0';
+            if (known) {
+                known = false;
+                for (const RenderingScaleChoice& choice : kRenderingScales) known = known || choice.scale == s;
+            }
+            if (!known) {
+                error = "--scale must be one of 1, 1.25, 2, 2.5, 3, 3.2, 4, 5 (not \"" + value + "\")";
+                return std::nullopt;
+            }
+            options.scale = s;
+            options.scaleGiven = true;
+        } else if (a.rfind("-", 0) == 0 && a != "-") {
+            error = "unknown option " + a;
+            return std::nullopt;
+        } else if (options.tracePath.empty()) {
+            options.tracePath = a;
+        } else {
+            error = "one trace at a time (got \"" + options.tracePath + "\" and \"" + a + "\")";
+            return std::nullopt;
+        }
+    }
+    if (!options.help && options.tracePath.empty()) {
+        error = "no trace given";
+        return std::nullopt;
+    }
+    return options;
+}
+
+}  // namespace vdpgl::play

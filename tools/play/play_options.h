@@ -1,0 +1,27 @@
+#pragma once
+// vdpgl-play's command line.
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace vdpgl::play {
+
+struct PlayOptions {
+    std::string tracePath;
+    std::string pluginPath;  // empty: libvdpgl.so beside the player
+    bool headless = false;
+    long frames = -1;  // -1: the whole trace
+    std::string captureDir;
+    long captureEvery = 1;
+    float scale = 1.0f;
+    bool scaleGiven = false;
+    bool bench = false;
+    bool help = false;
+};
+
+extern const char* const kUsage;
+
+// The options, or nullopt with error set to what is wrong with them.
+std::optional<PlayOptions> ParsePlayOptions(const std::vector<std::string>& arguments, std::string& error);
+
+}  // namespace vdpgl::play

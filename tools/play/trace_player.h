@@ -1,0 +1,58 @@
+#pragma once
+// CTracePlayer: replays a trace through a loaded plug-in's exports on the
+// calling thread (the player gives it an emulation thread of its own),
+// capturing frames and timing them on the way.
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "plugin_library.h"
+#include "trace/trace_reader.h"
+
+namespace vdpgl::play {
+
+struct PlayerSettings {
+    long frames = -1;         // stop after this many frames; -1: all
+    std::string captureDir;   // empty: no captures
+    long captureEvery = 1;
+};
+
+struct PlayResult {
+    bool ok = true;
+    std::string error;            // what stopped the replay
+    long frames = 0;              // frames replayed
+    long captures = 0;            // PNG files written
+    bool complete = false;        // the trace's end record was reached
+    std::vector<double> frameMilliseconds;  // wall time of each frame
+    double seconds = 0.0;         // of the whole replay
+};
+
+class CTracePlayer {
+public:
+    CTracePlayer(const host::PluginExports& exports, trace::CTraceReader& reader, PlayerSettings settings)
+        : x(exports), reader(reader), settings(std::move(settings)) {}
+
+    // Called after each frame with the frames so far and the share of the
+    // file read (0 to 1).
+    std::function<void(long frames, double done)> onFrame;
+
+    PlayResult Play();
+
+private:
+    void Dispatch(const trace::Record& r);
+    bool EndFrame(PlayResult& result);
+    // Leaves the plug-in as a host would at the end: stopped and shut down.
+    void Finish();
+
+    const host::PluginExports& x;
+    trace::CTraceReader& reader;
+    PlayerSettings settings;
+    bool initialised = false;
+    bool running = false;
+    std::vector<uint8_t> capture;
+    std::chrono::steady_clock::time_point frameStart;
+};
+
+}  // namespace vdpgl::play
