@@ -55,6 +55,22 @@ TEST_F(Vdp1FrameTest, ColourBankSpriteTakesItsPaletteFromColourRam) {
     for (int x = 0; x < 8; ++x) EXPECT_EQ(At(10 + x, 11), x < 4 ? red : blue) << x;
 }
 
+TEST_F(Vdp1FrameTest, ColourOffsetLightensAfterTexturingAndDarkensByMultiplying) {
+    // Grey texels (128 a channel); sprite colour offset set A: red +64/256,
+    // blue -128/256, green none.
+    WriteWords(Vram(), 0x1000, {0xC210, 0xC210, 0xC210, 0xC210, 0xC210, 0xC210, 0xC210, 0xC210});
+    vdp2->WriteRegisterWord(vdp2reg::CLOFEN, vdp2reg::CLOF_SPRITE);
+    vdp2->WriteRegisterWord(vdp2reg::COAR, 0x040);
+    vdp2->WriteRegisterWord(vdp2reg::COAB, 0x180);
+    WriteCommandList(Vram(), {{.ctrl = kNormalSpriteCmd, .pmod = 5 << 3, .srca = 0x1000 / 8, .size = 0x0101,
+                               .xa = 20, .ya = 20}});
+    RunFrame();
+    const Pixel p = At(20, 20);
+    EXPECT_NEAR(p.r, 128 + 64, 2);  // added after the texel
+    EXPECT_NEAR(p.g, 128, 2);
+    EXPECT_NEAR(p.b, 64, 2);  // the texel times 0.5
+}
+
 TEST_F(Vdp1FrameTest, LaterPartCoversEarlierOneAndHalfTransparencyBlends) {
     // Polygon colours are RGB555 whatever the colour mode.
     WriteCommandList(Vram(), {{.ctrl = kPolygonCmd, .colr = 0x001F, .xa = 0, .ya = 0, .xb = 100, .yb = 0,

@@ -418,6 +418,26 @@ TEST_F(HostVdp1FrameTest, LocalCoordinatesMoveTheLaterParts) {
     ExpectPicture(expected);
 }
 
+TEST_F(HostVdp1FrameTest, GouraudPolygonShadesFromCornerToCorner) {
+    // Grey polygon, gouraud offsets -15/32 at A, 0 at B and D, +15/32 at C.
+    // The offset grows evenly along both axes, so the picture is the same
+    // whichever diagonal the driver splits the quad along.
+    const uint32_t table = 0x5000;
+    WriteWords(Vram(), table, {0x0421, 0x4210, 0x7FFF, 0x4210});
+    List({{.ctrl = kPolygonCmd, .pmod = 4, .colr = 0x4210, .xa = 40, .ya = 20, .xb = 104, .yb = 20, .xc = 104,
+           .yc = 84, .xd = 40, .yd = 84, .grda = table / 8}});
+    Frame();
+    Picture expected;
+    const double grey = 16.0 / 31.0, step = 15.0 / 32.0;
+    for (int y = 20; y < 84; ++y)
+        for (int x = 40; x < 104; ++x) {
+            const double u = (x - 40 + 0.5) / 64.0, v = (y - 20 + 0.5) / 64.0;
+            const int c = static_cast<int>(std::lround(255.0 * (grey - step + step * (u + v))));
+            expected.At(x, y) = {c, c, c, 255};
+        }
+    ExpectPicture(expected, 3);
+}
+
 TEST_F(HostVdp1FrameTest, DrawingOnRequestDrawsExactlyOnce) {
     // PTMR = 1 asks for one drawing; the one-cycle frames go on presenting
     // and erasing without drawing again.
