@@ -4,7 +4,7 @@ BUILD ?= build
 JOBS ?= $(shell nproc)
 CMAKE_FLAGS ?=
 
-.PHONY: all deps build test bench test-sanitize demo clean
+.PHONY: all deps build test bench test-sanitize test-tsan demo clean
 
 all: build
 
@@ -36,8 +36,15 @@ test-sanitize: deps
 
 # Writes the demo traces and plays the sprite showcase (frames into
 # demo-frames/ while there is no display window).
+# The unit tests built with ThreadSanitizer: the threaded ones meet the
+# emulation thread as the editor and the control panel do.
+test-tsan: deps
+	cmake -S . -B $(BUILD)-tsan -G Ninja -DCMAKE_BUILD_TYPE=Debug -DVDPGL_SANITIZE=thread
+	cmake --build $(BUILD)-tsan -j $(JOBS) --target vdpgl_unit_tests
+	$(BUILD)-tsan/tests/vdpgl_unit_tests --gtest_brief=1
+
 demo: build
 	@bash scripts/demo $(BUILD)
 
 clean:
-	rm -rf $(BUILD) $(BUILD)-bench $(BUILD)-asan demo-frames
+	rm -rf $(BUILD) $(BUILD)-bench $(BUILD)-asan $(BUILD)-tsan demo-frames
