@@ -25,7 +25,7 @@ CVdp1::~CVdp1() {
 
 void CVdp1::Link(CVdp2& v) {
     vdp2 = &v;
-    CVdp1Part::Link({&renderer, this, vdp2, &vram, characterPatterns});
+    CVdp1Part::Link({&renderer, this, vdp2, &vram});
     CVdp1CharacterPattern::InitializeStatics(characterPatterns, &renderer, this, vdp2);
 }
 

@@ -120,7 +120,10 @@ public:
     int32_t xScale = 1;
 
 private:
-    void Append(uint32_t priority, CVdp1Part* part);
+    // Builds a part of this kind, unless the kind is switched off, and files
+    // it in the list of this priority.
+    template <typename Part>
+    void AddPart(int kind, uint32_t priority, const Vdp1CommandTable& command);
     void MarkPatternModified(uint32_t a) {
         if (CVdp1CharacterPattern* p = characterPatterns[(a & CConsoleVram::kMask) >> 3])
             p->modified.store(true, std::memory_order_relaxed);

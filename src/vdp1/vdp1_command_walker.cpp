@@ -9,76 +9,52 @@ namespace vdpgl {
 
 using namespace vdp1reg;
 
-namespace {
-
-const uint8_t kNoPriorities[8] = {};
-
-}  // namespace
-
-void CVdp1::Append(uint32_t priority, CVdp1Part* part) {
-    if (part) partsListVectors[priority & 7].push_back(part);
+template <typename Part>
+void CVdp1::AddPart(int kind, uint32_t priority, const Vdp1CommandTable& command) {
+    if (!IsPartEnabled(kind)) return;
+    if (CVdp1Part* part = partPool.Make<Part>(command, localX, localY)) partsListVectors[priority & 7].push_back(part);
 }
 
 void CVdp1::BuildPartsListVectors() {
     log.Log("--BuildPartsListVectors()--\n");
     for (auto& list : partsListVectors) list.clear();
     partPool.Clear();
+    if (!vdp2) return;  // priorities come from VDP2: nothing to file parts by
 
     // Sprites build their textures as they go, so the cache stays locked
     // against the editor for the whole walk.
     std::lock_guard lock(cacheMutex);
+    CVdp1Part::BeginWalk();
+    // Lookup-table and RGB sprites, and every untextured part, carry no
+    // priority bits and take the priority of number 0 unchanged.
+    const uint32_t fixedPriority = vdp2->spritePriorities[0];
     uint16_t current = 0;  // in units of 8 bytes; wraps within VRAM
     uint16_t returnAddress = 0;
     int count = 0;
     Vdp1CommandTable command;
     command.Read(vram, 0);
-    const uint8_t* priorities = vdp2 ? vdp2->spritePriorities : kNoPriorities;
     while (!(command[Vdp1CommandTable::CMDCTRL] & Vdp1CommandTable::kEnd)) {
         if (count > kMaxCommandsPerWalk - 1) {
             log.Log("End bit not fetched after %d commands, stopping\n", count);
             break;
         }
-        const uint16_t colr = command[Vdp1CommandTable::CMDCOLR];
-        uint8_t priority = 0;
-        if (vdp2) {
-            const uint8_t number = static_cast<uint8_t>((colr & vdp2->spritePriorityMask) >> vdp2->spritePriorityShift);
-            priority = priorities[number & 7];
-        }
+        const uint8_t priority = vdp2->SpritePriority(command[Vdp1CommandTable::CMDCOLR]);
         const uint32_t currentPriority = priority ? priority : 7;
-        // Lookup-table and RGB sprites, and every untextured part, carry no
-        // priority bits and take the priority of number 0 unchanged.
-        const uint32_t fixedPriority = priorities[0] & 7;
 
         if (!(command[Vdp1CommandTable::CMDCTRL] & Vdp1CommandTable::kSkip)) {
             const uint32_t colorMode = command.ColorMode();
             const uint32_t spriteList = (colorMode == 1 || colorMode == 5) ? fixedPriority : currentPriority;
             switch (command.Command()) {
-            case 0:
-                if (IsPartEnabled(kNormalSprite))
-                    Append(spriteList, partPool.Make<CVdp1NormalSprite>(command, localX, localY));
-                break;
-            case 1:
-                if (IsPartEnabled(kScaledSprite))
-                    Append(spriteList, partPool.Make<CVdp1ScaledSprite>(command, localX, localY));
-                break;
+            case 0: AddPart<CVdp1NormalSprite>(kNormalSprite, spriteList, command); break;
+            case 1: AddPart<CVdp1ScaledSprite>(kScaledSprite, spriteList, command); break;
             case 2:
-                if (IsPartEnabled(kDistortedSprite)) {
+                if (IsPartEnabled(kDistortedSprite))
                     log.Log("Distorted Sprite Draw, currentPriority: %d\n", currentPriority);
-                    Append(spriteList, partPool.Make<CVdp1DistortedSprite>(command, localX, localY));
-                }
+                AddPart<CVdp1DistortedSprite>(kDistortedSprite, spriteList, command);
                 break;
-            case 4:
-                if (IsPartEnabled(kPolygon))
-                    Append(fixedPriority, partPool.Make<CVdp1Polygon>(command, localX, localY));
-                break;
-            case 5:
-                if (IsPartEnabled(kPolyline))
-                    Append(fixedPriority, partPool.Make<CVdp1Polyline>(command, localX, localY));
-                break;
-            case 6:
-                if (IsPartEnabled(kLine))
-                    Append(fixedPriority, partPool.Make<CVdp1Line>(command, localX, localY));
-                break;
+            case 4: AddPart<CVdp1Polygon>(kPolygon, fixedPriority, command); break;
+            case 5: AddPart<CVdp1Polyline>(kPolyline, fixedPriority, command); break;
+            case 6: AddPart<CVdp1Line>(kLine, fixedPriority, command); break;
             case 8:
             case 9: break;  // clipping is accepted and not applied
             case 10:
@@ -91,7 +67,7 @@ void CVdp1::BuildPartsListVectors() {
             }
         }
 
-        const uint16_t link = command[Vdp1CommandTable::CMDLINK];
+    const uint16_t link = command[Vdp1CommandTable::CMDLINK];
         const uint16_t next = static_cast<uint16_t>(current + 4);
         switch (command.JumpMode() & 3) {
         case 0: current = next; break;

@@ -28,6 +28,19 @@ constexpr std::array<float, 512> kColorOffsets = [] {
 }  // namespace
 
 Vdp1PartContext CVdp1Part::shared;
+CVdp1Part::WalkState CVdp1Part::walk;
+
+void CVdp1Part::BeginWalk() {
+    using namespace vdp2reg;
+    walk.xScale = shared.vdp1 ? shared.vdp1->xScale : 1;
+    walk.yScale = shared.vdp1 ? shared.vdp1->yScale : 1;
+    walk.colorOffset = {};
+    const CVdp2* vdp2 = shared.vdp2;
+    if (!vdp2 || !(vdp2->Register(CLOFEN) & CLOF_SPRITE)) return;
+    const uint32_t r = (vdp2->Register(CLOFSL) & CLOF_SPRITE) ? COBR : COAR;
+    walk.colorOffset = {kColorOffsets[vdp2->Register(r) & 0x1FF], kColorOffsets[vdp2->Register(r + 2) & 0x1FF],
+                        kColorOffsets[vdp2->Register(r + 4) & 0x1FF]};
+}
 
 CVdp1Part::CVdp1Part(const Vdp1CommandTable& c) {
     using F = Vdp1CommandTable;
@@ -44,16 +57,6 @@ CVdp1Part::CVdp1Part(const Vdp1CommandTable& c) {
     }
 }
 
-Vdp1Rgb CVdp1Part::ColorOffset() {
-    using namespace vdp2reg;
-    const CVdp2* vdp2 = shared.vdp2;
-    if (!vdp2 || !(vdp2->Register(CLOFEN) & CLOF_SPRITE)) return {};
-    const bool setB = vdp2->Register(CLOFSL) & CLOF_SPRITE;
-    const uint32_t r = setB ? COBR : COAR;
-    return {kColorOffsets[vdp2->Register(r) & 0x1FF], kColorOffsets[vdp2->Register(r + 2) & 0x1FF],
-            kColorOffsets[vdp2->Register(r + 4) & 0x1FF]};
-}
-
 void CVdp1Part::GouraudOffsets(Vdp1Rgb (&offsets)[4]) const {
     // The prohibited mode 5 has the gouraud bit but is coloured as replace.
     if (!(colorCalculation & kGouraud) || colorCalculation == kProhibited || !shared.vram) {
@@ -67,11 +70,9 @@ void CVdp1Part::GouraudOffsets(Vdp1Rgb (&offsets)[4]) const {
 }
 
 void CVdp1Part::PlaceVertices(int count, int32_t localX, int32_t localY) {
-    const int32_t xScale = shared.vdp1 ? shared.vdp1->xScale : 1;
-    const int32_t yScale = shared.vdp1 ? shared.vdp1->yScale : 1;
     for (int v = 0; v < count; ++v) {
-        vertices[v].x = static_cast<int16_t>((vertices[v].x + localX) * xScale);
-        vertices[v].y = static_cast<int16_t>((vertices[v].y + localY) * yScale);
+        vertices[v].x = static_cast<int16_t>((vertices[v].x + localX) * walk.xScale);
+        vertices[v].y = static_cast<int16_t>((vertices[v].y + localY) * walk.yScale);
     }
 }
 

@@ -53,14 +53,13 @@ enum Vdp1ColorCalculation : uint32_t {
     kGouraudHalfTransparency = 7,
 };
 
-// What every part reads besides its command table; set once when VDP1 is
-// linked to VDP2.
+// What every part reads besides its command table: the objects, set once
+// when VDP1 is linked to VDP2.
 struct Vdp1PartContext {
     COpenGl* renderer = nullptr;
     CVdp1* vdp1 = nullptr;
     CVdp2* vdp2 = nullptr;
     const CConsoleVram* vram = nullptr;
-    CVdp1CharacterPattern** characterPatterns = nullptr;
 };
 
 class CVdp1Part {
@@ -71,7 +70,9 @@ public:
     virtual ~CVdp1Part() = default;
 
     static void Link(const Vdp1PartContext& context) { shared = context; }
-    static const Vdp1PartContext& Shared() { return shared; }
+    // What stays the same for every part of one walk, looked up once at its
+    // start: VDP1's scale and VDP2's sprite colour offset.
+    static void BeginWalk();
 
     int32_t type = -1;
     uint8_t notDrawn = 0;
@@ -91,15 +92,19 @@ public:
 protected:
     explicit CVdp1Part(const Vdp1CommandTable& command);
 
-    // Sprite colour offset from VDP2's registers, per channel.
-    static Vdp1Rgb ColorOffset();
     // Per-vertex gouraud offsets (zero unless the mode has gouraud shading).
     void GouraudOffsets(Vdp1Rgb (&offsets)[4]) const;
     // Adds the local coordinates to the first count corners and applies
     // VDP1's scale.
     void PlaceVertices(int count, int32_t localX, int32_t localY);
 
+    struct WalkState {
+        int32_t xScale = 1;
+        int32_t yScale = 1;
+        Vdp1Rgb colorOffset;  // per channel
+    };
     static Vdp1PartContext shared;
+    static WalkState walk;
 };
 
 // Polygons, polylines and lines: a single RGB colour, no texture.

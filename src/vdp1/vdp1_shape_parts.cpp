@@ -20,7 +20,7 @@ CVdp1ShapePart::CVdp1ShapePart(const Vdp1CommandTable& c) : CVdp1Part(c) {
                        static_cast<float>((colorCtrl >> 10) & 0x1F) / 31.0f};
     Vdp1Rgb gouraud[4];
     GouraudOffsets(gouraud);
-    const Vdp1Rgb offset = ColorOffset();
+    const Vdp1Rgb& offset = walk.colorOffset;
     float scale = 1.0f;
     switch (colorCalculation) {
     case kShadow:

@@ -56,7 +56,7 @@ CVdp1SpritePart::CVdp1SpritePart(const Vdp1CommandTable& c) : CVdp1Part(c) {
 
     Vdp1Rgb gouraud[4];
     GouraudOffsets(gouraud);
-    const Vdp1Rgb offset = ColorOffset();
+    const Vdp1Rgb& offset = walk.colorOffset;
     float base = 1.0f;
     switch (colorCalculation) {
     case kShadow: alpha = 0.5f; break;

@@ -45,6 +45,7 @@ protected:
 
     std::unique_ptr<CVdp1Part> Make(int kind, const Command& c, int32_t localX = 0, int32_t localY = 0) {
         const Vdp1CommandTable t = Table(c);
+        CVdp1Part::BeginWalk();  // as each walk does: scale and colour offset as they are now
         switch (kind) {
         case kNormalSprite: return std::make_unique<CVdp1NormalSprite>(t, localX, localY);
         case kScaledSprite: return std::make_unique<CVdp1ScaledSprite>(t, localX, localY);

@@ -66,8 +66,6 @@ public:
     // adds or (re)generates the texture of the part's pattern and palette.
     // Returns the pattern now filed at the part's character address.
     static CVdp1CharacterPattern* UseTexture(const CVdp1SpritePart& part);
-    // Deletes a pattern through the table: its entries are emptied first.
-    static void Delete(CVdp1CharacterPattern* pattern) { delete pattern; }
 
     void GenerateTexture(const CVdp1SpritePart& part);
     void AddTexture(const CVdp1SpritePart& part);
