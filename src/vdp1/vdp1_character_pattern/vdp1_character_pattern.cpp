@@ -8,12 +8,12 @@
 #include <cstdio>
 #include <mutex>
 
-#include "common/color_word.h"
 #include "common/consistency_check.h"
 #include "common/console_vram.h"
 #include "render/opengl/opengl.h"
 #include "vdp1/vdp1.h"
 #include "vdp1/vdp1_part.h"
+#include "vdp2/vdp2.h"
 
 namespace vdpgl {
 
@@ -39,6 +39,15 @@ void ForEachEntry(uint32_t startAddress, uint32_t endAddress, Visit visit) {
 }
 
 }  // namespace
+
+const CVdp1CharacterPattern::TextureDecoder CVdp1CharacterPattern::kTextureDecoders[6] = {
+    &CVdp1CharacterPattern::DecodeTexture16ColorsColorBank,  &CVdp1CharacterPattern::DecodeTexture16ColorsLut,
+    &CVdp1CharacterPattern::DecodeTexture64ColorsColorBank,  &CVdp1CharacterPattern::DecodeTexture128ColorsColorBank,
+    &CVdp1CharacterPattern::DecodeTexture256ColorsColorBank, &CVdp1CharacterPattern::DecodeTexture32KColors};
+const CVdp1CharacterPattern::ImageDecoder CVdp1CharacterPattern::kImageDecoders[6] = {
+    &CVdp1CharacterPattern::DecodeImage16ColorsColorBank,  &CVdp1CharacterPattern::DecodeImage16ColorsLut,
+    &CVdp1CharacterPattern::DecodeImage64ColorsColorBank,  &CVdp1CharacterPattern::DecodeImage128ColorsColorBank,
+    &CVdp1CharacterPattern::DecodeImage256ColorsColorBank, &CVdp1CharacterPattern::DecodeImage32KColors};
 
 CVdp1CharacterPattern::Statics CVdp1CharacterPattern::statics;
 std::atomic<int> CVdp1CharacterPattern::patternCount{0};
@@ -72,10 +81,8 @@ void CVdp1CharacterPattern::InitializeStatics(CVdp1CharacterPattern** table, COp
     statics.vdp1 = vdp1;
     statics.vdp2 = vdp2;
     statics.vram = vdp1 ? &vdp1->vram : nullptr;
-    if (statics.rgb555ToRgba.empty()) {
-        statics.rgb555ToRgba.resize(0x10000);
-        FillRgb555Table(statics.rgb555ToRgba.data());
-    }
+    // VDP1's RGB words convert exactly as colour RAM's do: one table serves both.
+    statics.rgb555ToRgba = vdp2 ? vdp2->colorTable : nullptr;
     // Large enough for the biggest pattern (504 x 255 in a 512 x 256 texture).
     if (statics.texelBuffer.size() < 512u * 256u) statics.texelBuffer.resize(512u * 256u);
     statics.replacementTexturesEnabled.store(false, std::memory_order_release);
@@ -156,15 +163,8 @@ void CVdp1CharacterPattern::PrepareTexels() {
 }
 
 void CVdp1CharacterPattern::RunTextureDecoder(uint32_t mode, const CVdp1SpritePart& part) {
-    switch (mode) {
-    case 0: DecodeTexture16ColorsColorBank(part); break;
-    case 1: DecodeTexture16ColorsLut(part); break;
-    case 2: DecodeTexture64ColorsColorBank(part); break;
-    case 3: DecodeTexture128ColorsColorBank(part); break;
-    case 4: DecodeTexture256ColorsColorBank(part); break;
-    case 5: DecodeTexture32KColors(part); break;
-    default: VDPGL_CHECK_OR_RETURN(mode <= 5, "vdp1_character_pattern");
-    }
+    VDPGL_CHECK_OR_RETURN(mode <= 5, "vdp1_character_pattern");
+    (this->*kTextureDecoders[mode])(part);
     statics.log.Log("%s", kModeLabels[mode]);
     // The padding is never sampled; clearing it keeps every texture the same
     // from run to run.
@@ -327,15 +327,8 @@ bool CVdp1CharacterPattern::FindReplacementTexture(const CVdp1SpritePart& part, 
 
 void CVdp1CharacterPattern::GetImage(uint32_t* destination) const {
     if (!destination) return;
-    switch (colorMode) {
-    case 0: DecodeImage16ColorsColorBank(destination); break;
-    case 1: DecodeImage16ColorsLut(destination); break;
-    case 2: DecodeImage64ColorsColorBank(destination); break;
-    case 3: DecodeImage128ColorsColorBank(destination); break;
-    case 4: DecodeImage256ColorsColorBank(destination); break;
-    case 5: DecodeImage32KColors(destination); break;
-    default: VDPGL_CHECK_OR_RETURN(colorMode <= 5, "vdp1_character_pattern");
-    }
+    VDPGL_CHECK_OR_RETURN(colorMode <= 5, "vdp1_character_pattern");
+    (this->*kImageDecoders[colorMode])(destination);
 }
 
 void CVdp1CharacterPattern::GetInformation(char* buffer, std::size_t size) const {

@@ -56,7 +56,7 @@ public:
     static void EnableReplacementTextures(const std::vector<Vdp1ReplacementTexture>& textures);
     static void DisableReplacementTextures();
     static bool ReplacementTexturesEnabled() { return statics.replacementTexturesEnabled.load(std::memory_order_acquire); }
-    static const uint32_t* Rgb555ToRgba() { return statics.rgb555ToRgba.data(); }
+    static const uint32_t* Rgb555ToRgba() { return statics.rgb555ToRgba; }
     // Power-of-two texture size for a used size (0 stays 0).
     static int32_t TextureDimension(int32_t used);
     // Pixel data bytes of a pattern of this size in this colour mode.
@@ -146,13 +146,19 @@ private:
     void MapInTable();
     void PrepareTexels();
 
+    // The decoders by colour mode.
+    using TextureDecoder = void (CVdp1CharacterPattern::*)(const CVdp1SpritePart&);
+    using ImageDecoder = void (CVdp1CharacterPattern::*)(uint32_t*) const;
+    static const TextureDecoder kTextureDecoders[6];
+    static const ImageDecoder kImageDecoders[6];
+
     struct Statics {
         CVdp1CharacterPattern** characterPatterns = nullptr;
         COpenGl* renderer = nullptr;
         CVdp1* vdp1 = nullptr;
         CVdp2* vdp2 = nullptr;
         const CConsoleVram* vram = nullptr;
-        std::vector<uint32_t> rgb555ToRgba;
+        const uint32_t* rgb555ToRgba = nullptr;  // VDP2's RGB555 colour table
         std::atomic<bool> replacementTexturesEnabled{false};
         std::vector<Vdp1ReplacementTexture> replacementTextures;
         std::vector<uint32_t> texelBuffer;  // reused by every decode

@@ -45,7 +45,7 @@ CVdp1CharacterPattern::DecodeSource CVdp1CharacterPattern::ImageSource() const {
 bool CVdp1CharacterPattern::Decode(uint32_t mode, const DecodeSource& source, uint32_t* destination,
                                    int32_t stride) const {
     const uint8_t* vram = statics.vram->Data();
-    const uint32_t* rgb = statics.rgb555ToRgba.data();
+    const uint32_t* rgb = statics.rgb555ToRgba;
     const auto word = [vram](uint32_t a) {
         uint16_t w;
         std::memcpy(&w, vram + CConsoleVram::WordOffset(a), sizeof w);
