@@ -5,14 +5,12 @@
 #include <functional>
 #include <initializer_list>
 
+#include "../../tools/common/vdp1_command.h"
+
 namespace vdpgl::test {
 
 // One command table; fields left out are 0.
-struct Command {
-    uint16_t ctrl = 0, link = 0, pmod = 0, colr = 0, srca = 0, size = 0;
-    int16_t xa = 0, ya = 0, xb = 0, yb = 0, xc = 0, yc = 0, xd = 0, yd = 0;
-    uint16_t grda = 0;
-};
+using Command = tools::Vdp1Command;
 
 // Command codes (CMDCTRL bits 3-0) and the END bit.
 constexpr uint16_t kNormalSpriteCmd = 0x0, kScaledSpriteCmd = 0x1, kDistortedSpriteCmd = 0x2, kPolygonCmd = 0x4,
@@ -22,22 +20,11 @@ constexpr uint16_t kNormalSpriteCmd = 0x0, kScaledSpriteCmd = 0x1, kDistortedSpr
 using WordWriter = std::function<void(uint32_t address, uint16_t value)>;
 
 inline void WriteCommand(const WordWriter& write, uint32_t address, const Command& c) {
-    const uint16_t words[15] = {c.ctrl,
-                                c.link,
-                                c.pmod,
-                                c.colr,
-                                c.srca,
-                                c.size,
-                                static_cast<uint16_t>(c.xa),
-                                static_cast<uint16_t>(c.ya),
-                                static_cast<uint16_t>(c.xb),
-                                static_cast<uint16_t>(c.yb),
-                                static_cast<uint16_t>(c.xc),
-                                static_cast<uint16_t>(c.yc),
-                                static_cast<uint16_t>(c.xd),
-                                static_cast<uint16_t>(c.yd),
-                                c.grda};
-    for (uint32_t i = 0; i < 15; ++i) write(address + 2 * i, words[i]);
+    uint32_t a = address;
+    for (uint16_t w : c.Words()) {
+        write(a, w);
+        a += 2;
+    }
 }
 
 // Commands at 0, 0x20, 0x40, ... followed by an END command.

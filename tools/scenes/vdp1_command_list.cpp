@@ -97,22 +97,11 @@ Vdp1Command& CVdp1CommandList::LocalCoordinates(Point origin) {
 void CVdp1CommandList::Write(CSceneBuilder& scene) const {
     uint32_t address = 0;
     for (const Vdp1Command& c : commands) {
-        const uint16_t words[15] = {c.ctrl,
-                                    c.link,
-                                    c.pmod,
-                                    c.colr,
-                                    c.srca,
-                                    c.size,
-                                    static_cast<uint16_t>(c.xa),
-                                    static_cast<uint16_t>(c.ya),
-                                    static_cast<uint16_t>(c.xb),
-                                    static_cast<uint16_t>(c.yb),
-                                    static_cast<uint16_t>(c.xc),
-                                    static_cast<uint16_t>(c.yc),
-                                    static_cast<uint16_t>(c.xd),
-                                    static_cast<uint16_t>(c.yd),
-                                    c.grda};
-        for (uint32_t i = 0; i < 15; ++i) scene.Vdp1Word(address + 2 * i, words[i]);
+        uint32_t a = address;
+        for (uint16_t w : c.Words()) {
+            scene.Vdp1Word(a, w);
+            a += 2;
+        }
         address += kTableSize;
     }
     scene.Vdp1Word(address, kEnd);

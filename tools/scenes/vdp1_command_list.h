@@ -7,16 +7,13 @@
 #include <cstdint>
 #include <vector>
 
+#include "../common/vdp1_command.h"
+
 namespace vdpgl::scenes {
 
 class CSceneBuilder;
 
-// One command table; fields left out are 0.
-struct Vdp1Command {
-    uint16_t ctrl = 0, link = 0, pmod = 0, colr = 0, srca = 0, size = 0;
-    int16_t xa = 0, ya = 0, xb = 0, yb = 0, xc = 0, yc = 0, xd = 0, yd = 0;
-    uint16_t grda = 0;
-};
+using Vdp1Command = tools::Vdp1Command;  // fields left out are 0
 
 // CMDCTRL: flips and the zoom point of a scaled sprite.
 constexpr uint16_t kFlipH = 0x0010, kFlipV = 0x0020;
