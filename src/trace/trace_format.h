@@ -13,29 +13,59 @@ inline constexpr uint16_t kHeaderSize = 16;  // magic, version, header size, fla
 inline constexpr uint32_t kMaxBlockPayload = 1u << 20;
 inline constexpr uint32_t kBlockHeaderSize = 8;  // payload length, CRC-32 of the payload
 
-// The 32 memory and register ports, in the order of the export list.
+// The 32 memory and register ports, in the order of the export list (their
+// numbers in a trace): X(name, bytes of the value a write carries, 0 for a
+// read; a read's answer is not recorded, and replaying it redoes whatever the
+// read does inside the plug-in).
+#define VDPGL_TRACE_PORTS(X) \
+    X(WriteByteVDP1FrameBuffer, 1) \
+    X(WriteWordVDP1FrameBuffer, 2) \
+    X(WriteLongVDP1FrameBuffer, 4) \
+    X(ReadByteVDP1FrameBuffer, 0) \
+    X(ReadWordVDP1FrameBuffer, 0) \
+    X(ReadLongVDP1FrameBuffer, 0) \
+    X(WriteByteVDP1VRAM, 1) \
+    X(WriteWordVDP1VRAM, 2) \
+    X(WriteLongVDP1VRAM, 4) \
+    X(ReadByteVDP1VRAM, 0) \
+    X(ReadWordVDP1VRAM, 0) \
+    X(ReadLongVDP1VRAM, 0) \
+    X(WriteWordVDP1Regs, 2) \
+    X(ReadWordVDP1Regs, 0) \
+    X(WriteByteVDP2Regs, 1) \
+    X(WriteWordVDP2Regs, 2) \
+    X(WriteLongVDP2Regs, 4) \
+    X(ReadByteVDP2Regs, 0) \
+    X(ReadWordVDP2Regs, 0) \
+    X(ReadLongVDP2Regs, 0) \
+    X(WriteByteVDP2VRAM, 1) \
+    X(WriteWordVDP2VRAM, 2) \
+    X(WriteLongVDP2VRAM, 4) \
+    X(ReadByteVDP2VRAM, 0) \
+    X(ReadWordVDP2VRAM, 0) \
+    X(ReadLongVDP2VRAM, 0) \
+    X(WriteByteVDP2CRAM, 1) \
+    X(WriteWordVDP2CRAM, 2) \
+    X(WriteLongVDP2CRAM, 4) \
+    X(ReadByteVDP2CRAM, 0) \
+    X(ReadWordVDP2CRAM, 0) \
+    X(ReadLongVDP2CRAM, 0)
+
 enum class Port : uint8_t {
-    WriteByteVDP1FrameBuffer, WriteWordVDP1FrameBuffer, WriteLongVDP1FrameBuffer,
-    ReadByteVDP1FrameBuffer, ReadWordVDP1FrameBuffer, ReadLongVDP1FrameBuffer,
-    WriteByteVDP1VRAM, WriteWordVDP1VRAM, WriteLongVDP1VRAM,
-    ReadByteVDP1VRAM, ReadWordVDP1VRAM, ReadLongVDP1VRAM,
-    WriteWordVDP1Regs, ReadWordVDP1Regs,
-    WriteByteVDP2Regs, WriteWordVDP2Regs, WriteLongVDP2Regs,
-    ReadByteVDP2Regs, ReadWordVDP2Regs, ReadLongVDP2Regs,
-    WriteByteVDP2VRAM, WriteWordVDP2VRAM, WriteLongVDP2VRAM,
-    ReadByteVDP2VRAM, ReadWordVDP2VRAM, ReadLongVDP2VRAM,
-    WriteByteVDP2CRAM, WriteWordVDP2CRAM, WriteLongVDP2CRAM,
-    ReadByteVDP2CRAM, ReadWordVDP2CRAM, ReadLongVDP2CRAM,
+#define VDPGL_TRACE_PORT_NAME(name, bytes) name,
+    VDPGL_TRACE_PORTS(VDPGL_TRACE_PORT_NAME)
+#undef VDPGL_TRACE_PORT_NAME
     Count
 };
 inline constexpr uint8_t kPortCount = static_cast<uint8_t>(Port::Count);
 
-// Bytes of the value that follows a port record's address: 1, 2 or 4 for a
-// write, 0 for a read (a read's answer is not recorded; replaying it redoes
-// whatever the read does inside the plug-in).
+// Bytes of the value that follows a port record's address.
 constexpr uint32_t PortValueSize(Port port) {
-    constexpr uint8_t kSizes[kPortCount] = {1, 2, 4, 0, 0, 0, 1, 2, 4, 0, 0, 0, 2, 0, 1, 2,
-                                            4, 0, 0, 0, 1, 2, 4, 0, 0, 0, 1, 2, 4, 0, 0, 0};
+    constexpr uint8_t kSizes[kPortCount] = {
+#define VDPGL_TRACE_PORT_SIZE(name, bytes) bytes,
+        VDPGL_TRACE_PORTS(VDPGL_TRACE_PORT_SIZE)
+#undef VDPGL_TRACE_PORT_SIZE
+    };
     return kSizes[static_cast<uint8_t>(port)];
 }
 

@@ -94,6 +94,24 @@ TEST_F(TraceFormatTest, EveryRecordKindRoundTrips) {
     EXPECT_EQ(records[3].offset - records[2].offset, 1u + 4u + 1u);
 }
 
+TEST(TracePortsTest, NumbersAndWidthsAreTheDocumentedOnes) {
+    // Traces already written depend on these: a reordering breaks them.
+    struct Case {
+        Port port;
+        int number;
+        uint32_t bytes;
+    };
+    for (const Case& c : {Case{Port::WriteByteVDP1FrameBuffer, 0, 1}, Case{Port::ReadLongVDP1FrameBuffer, 5, 0},
+                          Case{Port::WriteWordVDP1VRAM, 7, 2}, Case{Port::WriteWordVDP1Regs, 12, 2},
+                          Case{Port::ReadWordVDP1Regs, 13, 0}, Case{Port::WriteLongVDP2Regs, 16, 4},
+                          Case{Port::WriteByteVDP2VRAM, 20, 1}, Case{Port::WriteLongVDP2CRAM, 28, 4},
+                          Case{Port::ReadLongVDP2CRAM, 31, 0}}) {
+        EXPECT_EQ(static_cast<int>(c.port), c.number);
+        EXPECT_EQ(PortValueSize(c.port), c.bytes) << c.number;
+    }
+    EXPECT_EQ(kPortCount, 32);
+}
+
 TEST_F(TraceFormatTest, LargeTracesSpanManyBlocks) {
     ASSERT_TRUE(writer.Open(Path("big.trace")));
     for (uint32_t i = 0; i < 100000; ++i) writer.WritePort(Port::WriteWordVDP1VRAM, i * 2, i & 0xFFFF);

@@ -1,6 +1,7 @@
 #include "trace_player.h"
 
 #include <cstdio>
+#include <tuple>
 
 #include "png_file.h"
 
@@ -8,6 +9,20 @@ namespace vdpgl::play {
 
 using trace::Event;
 using trace::Port;
+
+namespace {
+
+// Calls a port export with the record's address and, for a write, its value
+// at the port's width.
+template <typename Result, typename... Arguments>
+void Call(Result (*port)(Arguments...), uint32_t address, uint32_t value) {
+    if constexpr (sizeof...(Arguments) == 1)
+        port(address);
+    else
+        port(address, static_cast<std::tuple_element_t<1, std::tuple<Arguments...>>>(value));
+}
+
+}  // namespace
 
 void CTracePlayer::Dispatch(const trace::Record& r) {
     const uint32_t a = r.address, v = r.value;
@@ -39,41 +54,11 @@ void CTracePlayer::Dispatch(const trace::Record& r) {
         }
         return;
     }
-    const auto b = static_cast<uint8_t>(v);
-    const auto w = static_cast<uint16_t>(v);
     switch (r.port) {
-    case Port::WriteByteVDP1FrameBuffer: x.WriteByteVDP1FrameBuffer(a, b); break;
-    case Port::WriteWordVDP1FrameBuffer: x.WriteWordVDP1FrameBuffer(a, w); break;
-    case Port::WriteLongVDP1FrameBuffer: x.WriteLongVDP1FrameBuffer(a, v); break;
-    case Port::ReadByteVDP1FrameBuffer: x.ReadByteVDP1FrameBuffer(a); break;
-    case Port::ReadWordVDP1FrameBuffer: x.ReadWordVDP1FrameBuffer(a); break;
-    case Port::ReadLongVDP1FrameBuffer: x.ReadLongVDP1FrameBuffer(a); break;
-    case Port::WriteByteVDP1VRAM: x.WriteByteVDP1VRAM(a, b); break;
-    case Port::WriteWordVDP1VRAM: x.WriteWordVDP1VRAM(a, w); break;
-    case Port::WriteLongVDP1VRAM: x.WriteLongVDP1VRAM(a, v); break;
-    case Port::ReadByteVDP1VRAM: x.ReadByteVDP1VRAM(a); break;
-    case Port::ReadWordVDP1VRAM: x.ReadWordVDP1VRAM(a); break;
-    case Port::ReadLongVDP1VRAM: x.ReadLongVDP1VRAM(a); break;
-    case Port::WriteWordVDP1Regs: x.WriteWordVDP1Regs(a, w); break;
-    case Port::ReadWordVDP1Regs: x.ReadWordVDP1Regs(a); break;
-    case Port::WriteByteVDP2Regs: x.WriteByteVDP2Regs(a, b); break;
-    case Port::WriteWordVDP2Regs: x.WriteWordVDP2Regs(a, w); break;
-    case Port::WriteLongVDP2Regs: x.WriteLongVDP2Regs(a, v); break;
-    case Port::ReadByteVDP2Regs: x.ReadByteVDP2Regs(a); break;
-    case Port::ReadWordVDP2Regs: x.ReadWordVDP2Regs(a); break;
-    case Port::ReadLongVDP2Regs: x.ReadLongVDP2Regs(a); break;
-    case Port::WriteByteVDP2VRAM: x.WriteByteVDP2VRAM(a, b); break;
-    case Port::WriteWordVDP2VRAM: x.WriteWordVDP2VRAM(a, w); break;
-    case Port::WriteLongVDP2VRAM: x.WriteLongVDP2VRAM(a, v); break;
-    case Port::ReadByteVDP2VRAM: x.ReadByteVDP2VRAM(a); break;
-    case Port::ReadWordVDP2VRAM: x.ReadWordVDP2VRAM(a); break;
-    case Port::ReadLongVDP2VRAM: x.ReadLongVDP2VRAM(a); break;
-    case Port::WriteByteVDP2CRAM: x.WriteByteVDP2CRAM(a, b); break;
-    case Port::WriteWordVDP2CRAM: x.WriteWordVDP2CRAM(a, w); break;
-    case Port::WriteLongVDP2CRAM: x.WriteLongVDP2CRAM(a, v); break;
-    case Port::ReadByteVDP2CRAM: x.ReadByteVDP2CRAM(a); break;
-    case Port::ReadWordVDP2CRAM: x.ReadWordVDP2CRAM(a); break;
-    case Port::ReadLongVDP2CRAM: x.ReadLongVDP2CRAM(a); break;
+#define VDPGL_REPLAY_PORT(name, bytes) \
+    case Port::name: Call(x.name, a, v); break;
+        VDPGL_TRACE_PORTS(VDPGL_REPLAY_PORT)
+#undef VDPGL_REPLAY_PORT
     case Port::Count: break;
     }
 }
