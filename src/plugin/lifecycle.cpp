@@ -35,15 +35,12 @@ void DestroyObjects() {
 void ApplyScaleFromEnvironment() {
     const char* text = std::getenv("VDPGL_SCALE");
     if (!text || !*text) return;
-    char* end = nullptr;
-    const float scale = std::strtof(text, &end);
-    for (const vdpgl::RenderingScaleChoice& choice : vdpgl::kRenderingScales) {
-        if (end && *end == '\0' && scale == choice.scale) {
-            plugin.renderer->SetRenderingScale(scale);
-            return;
-        }
+    if (const std::optional<float> scale = ParseRenderingScale(text)) {
+        plugin.renderer->SetRenderingScale(*scale);
+        return;
     }
-    std::fprintf(stderr, "vdpgl: VDPGL_SCALE=%s is not one of the rendering scales; using 1\n", text);
+    std::fprintf(stderr, "vdpgl: VDPGL_SCALE=%s is not one of the rendering scales (%s); using 1\n", text,
+                 RenderingScaleList().c_str());
 }
 
 }  // namespace

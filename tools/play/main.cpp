@@ -42,11 +42,11 @@ int main(int argc, char** argv) {
     std::string error;
     const auto options = vdpgl::play::ParsePlayOptions(std::vector<std::string>(argv + 1, argv + argc), error);
     if (!options) {
-        std::fprintf(stderr, "vdpgl-play: %s\n%s", error.c_str(), vdpgl::play::kUsage);
+        std::fprintf(stderr, "vdpgl-play: %s\n%s", error.c_str(), vdpgl::play::Usage().c_str());
         return kBadUsage;
     }
     if (options->help) {
-        std::printf("%s", vdpgl::play::kUsage);
+        std::printf("%s", vdpgl::play::Usage().c_str());
         return kOk;
     }
 

@@ -2,21 +2,22 @@
 
 #include <cstdlib>
 
-#include "render/opengl/opengl.h"
+#include "render/opengl/rendering_scales.h"
 
 namespace vdpgl::play {
 
-const char* const kUsage =
-    "usage: vdpgl-play [options] TRACE\n"
-    "Replays a trace through the plug-in's exports, as a host would.\n"
-    "  --plugin PATH       the plug-in to load (default: libvdpgl.so beside vdpgl-play)\n"
-    "  --headless          render offscreen even when a display is there\n"
-    "  --frames N          stop after N frames\n"
-    "  --capture-dir DIR   write frames as DIR/frame-NNNNNN.png\n"
-    "  --capture-every K   capture every K-th frame (default 1)\n"
-    "  --scale S           rendering scale: 1, 1.25, 2, 2.5, 3, 3.2, 4 or 5\n"
-    "  --bench             report frames per second and frame times\n"
-    "  --help              this text\n";
+std::string Usage() {
+    return "usage: vdpgl-play [options] TRACE\n"
+           "Replays a trace through the plug-in's exports, as a host would.\n"
+           "  --plugin PATH       the plug-in to load (default: libvdpgl.so beside vdpgl-play)\n"
+           "  --headless          render offscreen even when a display is there\n"
+           "  --frames N          stop after N frames\n"
+           "  --capture-dir DIR   write frames as DIR/frame-NNNNNN.png\n"
+           "  --capture-every K   capture every K-th frame (default 1)\n"
+           "  --scale S           rendering scale: " + RenderingScaleList() + "\n"
+           "  --bench             report frames per second and frame times\n"
+           "  --help              this text\n";
+}
 
 namespace {
 
@@ -77,18 +78,12 @@ std::optional<PlayOptions> ParsePlayOptions(const std::vector<std::string>& argu
             }
         } else if (name == "--scale") {
             if (!takeValue()) return std::nullopt;
-            char* end = nullptr;
-            const float s = std::strtof(value.c_str(), &end);
-            bool known = !value.empty() && *end == '\0';
-            if (known) {
-                known = false;
-                for (const RenderingScaleChoice& choice : kRenderingScales) known = known || choice.scale == s;
-            }
-            if (!known) {
-                error = "--scale must be one of 1, 1.25, 2, 2.5, 3, 3.2, 4, 5 (not \"" + value + "\")";
+            const std::optional<float> scale = ParseRenderingScale(value);
+            if (!scale) {
+                error = "--scale must be one of " + RenderingScaleList() + " (not \"" + value + "\")";
                 return std::nullopt;
             }
-            options.scale = s;
+            options.scale = *scale;
             options.scaleGiven = true;
         } else if (a.rfind("-", 0) == 0 && a != "-") {
             error = "unknown option " + a;

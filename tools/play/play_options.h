@@ -19,7 +19,7 @@ struct PlayOptions {
     bool help = false;
 };
 
-extern const char* const kUsage;
+std::string Usage();
 
 // The options, or nullopt with error set to what is wrong with them.
 std::optional<PlayOptions> ParsePlayOptions(const std::vector<std::string>& arguments, std::string& error);

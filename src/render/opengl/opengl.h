@@ -13,6 +13,7 @@
 
 #include "common/module_log.h"
 #include "render/opengl/frame_buffers.h"
+#include "render/opengl/rendering_scales.h"
 
 namespace vdpgl {
 
@@ -23,17 +24,6 @@ class CVdp1SpritePart;
 namespace platform {
 class CGlContext;
 }
-
-// The factors offered by the display menu's Resolution submenu, with the
-// texts of their items.
-struct RenderingScaleChoice {
-    const char* label;
-    float scale;
-};
-inline constexpr RenderingScaleChoice kRenderingScales[] = {
-    {"original", 1.0f}, {"x 1.25", 1.25f}, {"x 2", 2.0f}, {"x 2.5", 2.5f},
-    {"x 3", 3.0f},      {"x 3.2", 3.2f},   {"x 4", 4.0f}, {"x 5", 5.0f},
-};
 
 class COpenGl {
 public:
