@@ -190,5 +190,31 @@ TEST_F(Vdp1TextureCacheTest, EditorReadsImageAndDescriptionOfTheDrawingParts) {
     EXPECT_STREQ(text, "Color mode: \n16 colors color bank\ncolor bank: 0x120\nsize: 8x2\n");
 }
 
+TEST_F(Vdp1TextureCacheTest, DescriptionNamesEachColourModeWithItsBankOrTable) {
+    FillData(0x1000, 128);
+    struct Case {
+        uint32_t mode;
+        uint16_t colr;
+        const char* text;
+    };
+    const Case cases[] = {
+        {1, 0x0601, "Color mode: \n16 colors lookup table\nLUT address: 0x3008\nsize: 8x8\n"},
+        {2, 0x0147, "Color mode: \n64 colors color bank\ncolor bank: 0x147\nsize: 8x8\n"},  // unmasked
+        {3, 0x0280, "Color mode: \n128 colors color bank\ncolor bank: 0x280\nsize: 8x8\n"},
+        {4, 0x0300, "Color mode: \n256 colors color bank\ncolor bank: 0x300\nsize: 8x8\n"},
+        {5, 0x1234, "Color mode: \n32K colors\nsize: 8x8\n"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.mode);
+        vdp1->RequestCacheClear();
+        DrawSprites({Sprite(0x1000, 0x0108, c.mode, c.colr)});
+        std::lock_guard lock(vdp1->cacheMutex);
+        ASSERT_NE(vdp1->GetPattern(0x1000), nullptr);
+        char text[256];
+        vdp1->GetPattern(0x1000)->GetInformation(text, sizeof text);
+        EXPECT_STREQ(text, c.text);
+    }
+}
+
 }  // namespace
 }  // namespace vdpgl::test
