@@ -57,6 +57,24 @@ CVdp1Part::CVdp1Part(const Vdp1CommandTable& c) {
     }
 }
 
+float CVdp1Part::ApplyColorCalculation() {
+    float factor = 1.0f;
+    alpha = 1.0f;  // replace, gouraud, and the prohibited mode 5 as replace
+    switch (colorCalculation) {
+    case kShadow:
+        alpha = 0.5f;
+        factor = 0.0f;
+        break;
+    case kHalfLuminance:
+    case kGouraudHalfLuminance: factor = 0.5f; break;
+    case kHalfTransparency:
+    case kGouraudHalfTransparency: alpha = 0.5f; break;
+    default: break;
+    }
+    if (mesh) alpha = 0.5f;
+    return factor;
+}
+
 void CVdp1Part::GouraudOffsets(Vdp1Rgb (&offsets)[4]) const {
     // The prohibited mode 5 has the gouraud bit but is coloured as replace.
     if (!(colorCalculation & kGouraud) || colorCalculation == kProhibited || !shared.vram) {

@@ -38,6 +38,9 @@ enum Vdp1PartKind : int {
     kPartKindCount
 };
 
+// A colour channel kept within 0.0 to 1.0.
+inline float ClampChannel(float v) { return v < 0.0f ? 0.0f : v > 1.0f ? 1.0f : v; }
+
 // Flips of a sprite's texture.
 enum Vdp1Direction : uint32_t { kNoFlip = 0, kFlipH = 1, kFlipV = 2, kFlipHV = 3 };
 
@@ -92,6 +95,11 @@ public:
 protected:
     explicit CVdp1Part(const Vdp1CommandTable& command);
 
+    // What a colour-calculation mode (and the mesh bit, drawn as half
+    // transparency) does to a part: its alpha, and the factor on its colour
+    // (0 for the shadow, 0.5 for half luminance). Sets alpha; returns the
+    // factor.
+    float ApplyColorCalculation();
     // Per-vertex gouraud offsets (zero unless the mode has gouraud shading).
     void GouraudOffsets(Vdp1Rgb (&offsets)[4]) const;
     // Adds the local coordinates to the first count corners and applies

@@ -1,18 +1,10 @@
 // Polygons, polylines and lines: CMDCOLR is always a 15-bit RGB colour here
 // (a colour-bank code is not looked up), shaded, offset and clamped per
 // vertex. A polygon of colour 0 clears the picture instead of drawing.
-#include <algorithm>
-
 #include "render/opengl/opengl.h"
 #include "vdp1/vdp1_part.h"
 
 namespace vdpgl {
-
-namespace {
-
-float Clamp(float v) { return std::clamp(v, 0.0f, 1.0f); }
-
-}  // namespace
 
 CVdp1ShapePart::CVdp1ShapePart(const Vdp1CommandTable& c) : CVdp1Part(c) {
     clearsScreen = colorCtrl == 0;
@@ -21,23 +13,11 @@ CVdp1ShapePart::CVdp1ShapePart(const Vdp1CommandTable& c) : CVdp1Part(c) {
     Vdp1Rgb gouraud[4];
     GouraudOffsets(gouraud);
     const Vdp1Rgb& offset = walk.colorOffset;
-    float scale = 1.0f;
-    switch (colorCalculation) {
-    case kShadow:
-        alpha = 0.5f;
-        scale = 0.0f;
-        break;
-    case kHalfLuminance:
-    case kGouraudHalfLuminance: scale = 0.5f; break;
-    case kHalfTransparency:
-    case kGouraudHalfTransparency: alpha = 0.5f; break;
-    default: alpha = 1.0f; break;  // replace, gouraud and the prohibited mode 5
-    }
-    if (mesh) alpha = 0.5f;  // mesh is drawn as half transparency
+    const float scale = ApplyColorCalculation();
     for (int v = 0; v < 4; ++v) {
-        colors[v].red = Clamp((base.red + gouraud[v].red) * scale + offset.red);
-        colors[v].green = Clamp((base.green + gouraud[v].green) * scale + offset.green);
-        colors[v].blue = Clamp((base.blue + gouraud[v].blue) * scale + offset.blue);
+        colors[v].red = ClampChannel((base.red + gouraud[v].red) * scale + offset.red);
+        colors[v].green = ClampChannel((base.green + gouraud[v].green) * scale + offset.green);
+        colors[v].blue = ClampChannel((base.blue + gouraud[v].blue) * scale + offset.blue);
     }
 }
 

@@ -1,7 +1,5 @@
 // Sprites: the textured parts. The base works out the texture (through the
 // pattern cache) and the colours; each concrete sprite places its corners.
-#include <algorithm>
-
 #include "render/opengl/opengl.h"
 #include "vdp1/vdp1_character_pattern/vdp1_character_pattern.h"
 #include "vdp1/vdp1_part.h"
@@ -12,17 +10,15 @@ namespace {
 
 constexpr uint32_t kNoCharacter = 0x7FFF8;  // CMDSRCA 0xFFFF
 
-float Clamp(float v) { return std::clamp(v, 0.0f, 1.0f); }
-
 // Splits base + term into a multiplied primary and an added secondary: a
 // negative term darkens the texels, a positive one adds light after them.
 void SplitChannel(float base, float term, float& primary, float& secondary) {
     if (term < 0.0f) {
-        primary = Clamp(base + term);
+        primary = ClampChannel(base + term);
         secondary = 0.0f;
     } else {
-        primary = Clamp(base);
-        secondary = Clamp(term);
+        primary = ClampChannel(base);
+        secondary = ClampChannel(term);
     }
 }
 
@@ -57,27 +53,16 @@ CVdp1SpritePart::CVdp1SpritePart(const Vdp1CommandTable& c) : CVdp1Part(c) {
     Vdp1Rgb gouraud[4];
     GouraudOffsets(gouraud);
     const Vdp1Rgb& offset = walk.colorOffset;
-    float base = 1.0f;
-    switch (colorCalculation) {
-    case kShadow: alpha = 0.5f; break;
-    case kHalfLuminance:
-    case kGouraudHalfLuminance:
-        alpha = 1.0f;
-        base = 0.5f;
-        break;
-    case kHalfTransparency:
-    case kGouraudHalfTransparency: alpha = 0.5f; break;
-    default: alpha = 1.0f; break;  // replace, gouraud, and the prohibited mode 5 as replace
-    }
+    // The texels are multiplied by base: the shadow's base of 0 keeps only
+    // the light its offset adds.
+    const float base = ApplyColorCalculation();
     for (int v = 0; v < 4; ++v) {
         const Vdp1Rgb term{offset.red + gouraud[v].red, offset.green + gouraud[v].green,
                            offset.blue + gouraud[v].blue};
         SplitChannel(base, term.red, colors[v].red, secondaryColors[v].red);
         SplitChannel(base, term.green, colors[v].green, secondaryColors[v].green);
         SplitChannel(base, term.blue, colors[v].blue, secondaryColors[v].blue);
-        if (colorCalculation == kShadow) colors[v] = {};  // the shadow keeps only the added light
     }
-    if (mesh) alpha = 0.5f;
 }
 
 void CVdp1SpritePart::DrawTextured() {
