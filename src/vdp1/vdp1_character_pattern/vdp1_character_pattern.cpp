@@ -40,11 +40,11 @@ void ForEachEntry(uint32_t startAddress, uint32_t endAddress, Visit visit) {
 
 }  // namespace
 
-const CVdp1CharacterPattern::TextureDecoder CVdp1CharacterPattern::kTextureDecoders[6] = {
+const std::array<CVdp1CharacterPattern::TextureDecoder, 6> CVdp1CharacterPattern::kTextureDecoders = {
     &CVdp1CharacterPattern::DecodeTexture16ColorsColorBank,  &CVdp1CharacterPattern::DecodeTexture16ColorsLut,
     &CVdp1CharacterPattern::DecodeTexture64ColorsColorBank,  &CVdp1CharacterPattern::DecodeTexture128ColorsColorBank,
     &CVdp1CharacterPattern::DecodeTexture256ColorsColorBank, &CVdp1CharacterPattern::DecodeTexture32KColors};
-const CVdp1CharacterPattern::ImageDecoder CVdp1CharacterPattern::kImageDecoders[6] = {
+const std::array<CVdp1CharacterPattern::ImageDecoder, 6> CVdp1CharacterPattern::kImageDecoders = {
     &CVdp1CharacterPattern::DecodeImage16ColorsColorBank,  &CVdp1CharacterPattern::DecodeImage16ColorsLut,
     &CVdp1CharacterPattern::DecodeImage64ColorsColorBank,  &CVdp1CharacterPattern::DecodeImage128ColorsColorBank,
     &CVdp1CharacterPattern::DecodeImage256ColorsColorBank, &CVdp1CharacterPattern::DecodeImage32KColors};

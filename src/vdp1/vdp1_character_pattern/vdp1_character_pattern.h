@@ -9,6 +9,7 @@
 //
 // The emulation thread changes the table and the patterns only while holding
 // CVdp1::cacheMutex; the editor reads them under the same lock.
+#include <array>
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
@@ -149,8 +150,8 @@ private:
     // The decoders by colour mode.
     using TextureDecoder = void (CVdp1CharacterPattern::*)(const CVdp1SpritePart&);
     using ImageDecoder = void (CVdp1CharacterPattern::*)(uint32_t*) const;
-    static const TextureDecoder kTextureDecoders[6];
-    static const ImageDecoder kImageDecoders[6];
+    static const std::array<TextureDecoder, 6> kTextureDecoders;
+    static const std::array<ImageDecoder, 6> kImageDecoders;
 
     struct Statics {
         CVdp1CharacterPattern** characterPatterns = nullptr;
