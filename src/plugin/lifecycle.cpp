@@ -1,5 +1,7 @@
 // Lifecycle and blanking exports: the order in which each call reaches the
 // renderer, VDP1 and VDP2.
+#include <cerrno>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -43,6 +45,26 @@ void ApplyScaleFromEnvironment() {
                  RenderingScaleList().c_str());
 }
 
+// VDPGL_TEXTURE_MEMORY_MB=<n> sets how much texture memory the VDP1 cache
+// keeps; without it, or with a value that is no count of megabytes, 256.
+void ApplyTextureMemoryFromEnvironment() {
+    constexpr unsigned long kDefaultMegabytes = CVdp1TextureStore::kDefaultBudget >> 20;
+    constexpr unsigned long kMostMegabytes = 1ul << 20;  // a terabyte
+    unsigned long megabytes = kDefaultMegabytes;
+    if (const char* text = std::getenv("VDPGL_TEXTURE_MEMORY_MB"); text && *text) {
+        char* end = nullptr;
+        errno = 0;
+        const unsigned long value = std::strtoul(text, &end, 10);
+        if (*text != '-' && *end == '\0' && errno == 0 && value >= 1 && value <= kMostMegabytes)
+            megabytes = value;
+        else
+            std::fprintf(stderr,
+                         "vdpgl: VDPGL_TEXTURE_MEMORY_MB=%s is not a number of megabytes from 1 to %lu; using %lu\n",
+                         text, kMostMegabytes, kDefaultMegabytes);
+    }
+    CVdp1CharacterPattern::SetTextureBudget(uint64_t{megabytes} << 20);
+}
+
 }  // namespace
 
 }  // namespace vdpgl
@@ -73,6 +95,7 @@ bool InitVDPPlugin(void* record) {
     plugin.vdp1->Link(*plugin.vdp2);
     plugin.vdp2->Link(*plugin.vdp1);
     vdpgl::ApplyScaleFromEnvironment();
+    vdpgl::ApplyTextureMemoryFromEnvironment();
 
     std::error_code ec;
     const std::filesystem::path folder = std::filesystem::current_path(ec) / vdpgl::kReplacementFolderName;

@@ -10,7 +10,6 @@ namespace vdpgl {
 using namespace vdp1reg;
 
 CVdp1::CVdp1(COpenGl& r) : renderer(r) {
-    renderer.SetVdp1TextureTable(characterPatterns);
     // Every command of a walk may land in one list; reserving that much
     // keeps the walk free of allocations.
     for (auto& list : partsListVectors) list.reserve(kMaxCommandsPerWalk);
@@ -258,7 +257,8 @@ std::vector<CVdp1CharacterPattern*> CVdp1::GetCachedPatterns() const {
     std::vector<CVdp1CharacterPattern*> patterns;
     const CVdp1CharacterPattern* previous = nullptr;
     for (CVdp1CharacterPattern* p : characterPatterns) {
-        if (p && p != previous && !p->modified.load(std::memory_order_relaxed)) patterns.push_back(p);
+        if (p && p != previous && !p->modified.load(std::memory_order_relaxed))
+            for (CVdp1CharacterPattern* variant = p; variant; variant = variant->nextVariant) patterns.push_back(variant);
         previous = p;
     }
     return patterns;
@@ -266,12 +266,14 @@ std::vector<CVdp1CharacterPattern*> CVdp1::GetCachedPatterns() const {
 
 void CVdp1::PurgeModifiedPatterns() {
     std::lock_guard lock(cacheMutex);
+    CVdp1CharacterPattern::ReleaseRetiredPatterns();
     DeleteTableEntriesWhere(characterPatterns, kPatternTableSize, doomedPatterns,
                             [](const CVdp1CharacterPattern* p) { return p->modified.load(std::memory_order_relaxed); });
 }
 
 void CVdp1::ClearPatternCache() {
     std::lock_guard lock(cacheMutex);
+    CVdp1CharacterPattern::ReleaseRetiredPatterns();
     DeleteTableEntriesWhere(characterPatterns, kPatternTableSize, doomedPatterns,
                             [](const CVdp1CharacterPattern*) { return true; });
 }

@@ -85,7 +85,8 @@ public:
     // Walks the command list from address 0 and files one part per drawing
     // command in the list of its priority; sets COPR and, at an END, EDSR.
     void BuildPartsListVectors();
-    // After the frame: patterns that VRAM writes made modified are deleted.
+    // After the frame: patterns that the walk retired and those that VRAM
+    // writes made modified are deleted.
     void PurgeModifiedPatterns();
     // Deletes every cached pattern and empties the table.
     void ClearPatternCache();

@@ -25,6 +25,7 @@ void CVdp1::BuildPartsListVectors() {
     // against the editor for the whole walk.
     std::lock_guard lock(cacheMutex);
     CVdp1Part::BeginWalk();
+    CVdp1CharacterPattern::BeginWalk();
     // Lookup-table and RGB sprites, and every untextured part, carry no
     // priority bits and take the priority of number 0 unchanged.
     const uint32_t fixedPriority = vdp2->spritePriorities[0];

@@ -76,8 +76,9 @@ float CVdp1Part::ApplyColorCalculation() {
 }
 
 void CVdp1Part::GouraudOffsets(Vdp1Rgb (&offsets)[4]) const {
-    // The prohibited mode 5 has the gouraud bit but is coloured as replace.
-    if (!(colorCalculation & kGouraud) || colorCalculation == kProhibited || !shared.vram) {
+    // Bit 2 alone decides, so the prohibited mode 5 is shaded too; sprites
+    // leave it out themselves.
+    if (!(colorCalculation & kGouraud) || !shared.vram) {
         for (Vdp1Rgb& o : offsets) o = {};
         return;
     }

@@ -100,7 +100,7 @@ protected:
     // (0 for the shadow, 0.5 for half luminance). Sets alpha; returns the
     // factor.
     float ApplyColorCalculation();
-    // Per-vertex gouraud offsets (zero unless the mode has gouraud shading).
+    // Per-vertex gouraud offsets: zero unless CMDPMOD bit 2 (gouraud) is set.
     void GouraudOffsets(Vdp1Rgb (&offsets)[4]) const;
     // Adds the local coordinates to the first count corners and applies
     // VDP1's scale.
@@ -157,6 +157,11 @@ public:
     uint32_t characterAddress = 0;  // VDP1 VRAM byte address of the pattern
     uint32_t characterSize = 0;
     Vdp1Rgb secondaryColors[4];  // added after texturing
+    // The texture built for this part and its used share across and down;
+    // it lives until the frame is drawn, whatever later parts do to the cache.
+    uint32_t textureId = 0;
+    float uMax = 0.0f;
+    float vMax = 0.0f;
 
 protected:
     // Fields, texture and colours; the concrete sprite adds its corners. A

@@ -50,8 +50,9 @@ CVdp1SpritePart::CVdp1SpritePart(const Vdp1CommandTable& c) : CVdp1Part(c) {
         return;
     }
 
+    // The prohibited mode 5 colours a sprite as replace, without shading.
     Vdp1Rgb gouraud[4];
-    GouraudOffsets(gouraud);
+    if (colorCalculation != kProhibited) GouraudOffsets(gouraud);
     const Vdp1Rgb& offset = walk.colorOffset;
     // The texels are multiplied by base: the shadow's base of 0 keeps only
     // the light its offset adds.

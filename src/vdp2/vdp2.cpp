@@ -187,6 +187,8 @@ void CVdp2::RefreshReadRegister(uint32_t address) {
 }
 
 // Colour RAM --------------------------------------------------------------
+// Writes are placed by cramMode, as lookups are: a reset clears RAMCTL but
+// keeps the mode until RAMCTL is written again, and both follow it alike.
 
 void CVdp2::MergeCramByte(uint32_t index, uint32_t a, uint8_t v) {
     uint16_t& entry = cram[index];
@@ -194,43 +196,43 @@ void CVdp2::MergeCramByte(uint32_t index, uint32_t a, uint8_t v) {
 }
 
 void CVdp2::WriteCramByte(uint32_t a, uint8_t v) {
-    switch (CramModeBits()) {
-    case 0x0000: {
+    switch (cramMode) {
+    case 0: {
         const uint32_t i = ((a & kCramMask) >> 1) & 0x3FF;
         MergeCramByte(i, a, v);
         MergeCramByte(i + kMirrorOffset, a, v);
         break;
     }
-    case 0x1000:
-    case 0x2000: MergeCramByte((a & kCramMask) >> 1, a, v); break;
+    case 1:
+    case 2: MergeCramByte((a & kCramMask) >> 1, a, v); break;
     default: break;  // mode 3 is prohibited: dropped
     }
 }
 
 void CVdp2::WriteCramWord(uint32_t a, uint16_t v) {
-    switch (CramModeBits()) {
-    case 0x0000: {
+    switch (cramMode) {
+    case 0: {
         const uint32_t i = ((a & kCramMask) >> 1) & 0x3FF;
         cram[i] = cram[i + kMirrorOffset] = v;
         break;
     }
-    case 0x1000:
-    case 0x2000: cram[(a & kCramMask) >> 1] = v; break;
+    case 1:
+    case 2: cram[(a & kCramMask) >> 1] = v; break;
     default: break;
     }
 }
 
 void CVdp2::WriteCramLong(uint32_t a, uint32_t v) {
     const uint16_t upper = static_cast<uint16_t>(v >> 16), lower = static_cast<uint16_t>(v);
-    switch (CramModeBits()) {
-    case 0x0000: {
+    switch (cramMode) {
+    case 0: {
         const uint32_t i = ((a & kCramMask & ~3u) >> 1) & 0x3FF;  // even: i + 1 stays in the first half
         cram[i] = cram[i + kMirrorOffset] = upper;
         cram[i + 1] = cram[i + 1 + kMirrorOffset] = lower;
         break;
     }
-    case 0x1000:
-    case 0x2000: {
+    case 1:
+    case 2: {
         const uint32_t i = (a & kCramMask & ~3u) >> 1;
         cram[i] = upper;
         cram[i + 1] = lower;

@@ -139,7 +139,6 @@ private:
     void UpdateSpritePriorityBits();
     // Stores a register and decodes it if it changed.
     void StoreRegister(uint32_t address, uint16_t value);
-    uint32_t CramModeBits() const { return Register(vdp2reg::RAMCTL) & vdp2reg::RAMCTL_CRMD; }
     void MergeCramByte(uint32_t index, uint32_t a, uint8_t v);
 
     std::array<CBitmapWriteListener*, 2> bitmapWriteListeners{};

@@ -1,6 +1,6 @@
-// The VDP1 texture cache as the frames use it: one pattern per run of VRAM,
-// one texture per palette, table mapping with overlaps, invalidation by VRAM
-// writes, purge, and what the editor reads.
+// The VDP1 texture cache as frames use it: one texture per palette, several
+// sizes on one address, overlaps, invalidation down to the partial last unit,
+// the memory budget, replacement sets, and what the editor reads.
 #include <cstring>
 #include <mutex>
 
@@ -10,26 +10,43 @@
 namespace vdpgl::test {
 namespace {
 
+using Pattern = CVdp1CharacterPattern;
+constexpr Pixel kNone{0, 0, 0, 0};
+
 class Vdp1TextureCacheTest : public Vdp1GlTest {
 protected:
-    // Normal sprites, one a command, drawn in one frame.
+    void SetUp() override {
+        Vdp1GlTest::SetUp();
+        // Colour RAM entry i: a colour of its own.
+        for (uint32_t i = 0; i < 1024; ++i) Cram(i, static_cast<uint16_t>(i * 37 + 1));
+    }
+    void TearDown() override {
+        Pattern::SetTextureBudget(CVdp1TextureStore::kDefaultBudget);
+        Vdp1GlTest::TearDown();
+    }
     void DrawSprites(std::initializer_list<Command> sprites) {
         WriteCommandList(Vram(), sprites);
         RunFrame();
     }
-    static Command Sprite(uint32_t address, uint16_t size, uint32_t mode, uint16_t colr) {
+    static Command Sprite(uint32_t address, uint16_t size, uint32_t mode, uint16_t colr, int16_t x = 0,
+                          int16_t y = 0) {
         return {.ctrl = kNormalSpriteCmd, .pmod = static_cast<uint16_t>(mode << 3), .colr = colr,
-                .srca = static_cast<uint16_t>(address / 8), .size = size};
+                .srca = static_cast<uint16_t>(address / 8), .size = size, .xa = x, .ya = y};
     }
-    // Distinct non-zero texture names of a pattern, over every palette kind.
-    static int TextureCount(const CVdp1CharacterPattern* p) {
-        int n = p->rgbModeOpenglTextureId != 0 ? 1 : 0;
-        for (uint32_t id : p->cbModeOpenglTextureIds) n += id != 0;
-        return n + static_cast<int>(p->lutModeOpenglTextureIds.size());
+    // Bytes whose nibbles are 1 to 7: no transparent dot, no end code.
+    void FillData(uint32_t address, uint32_t bytes) {
+        for (uint32_t i = 0; i < bytes; ++i)
+            vdp1->WriteVramByte(address + i, static_cast<uint8_t>((1 + i % 7) << 4 | (1 + i % 5)));
     }
-    // Fills [address, address + bytes) with a non-zero byte pattern.
-    void FillData(uint32_t address, uint32_t bytes, uint8_t seed = 1) {
-        for (uint32_t i = 0; i < bytes; ++i) vdp1->WriteVramByte(address + i, static_cast<uint8_t>(seed + i % 7));
+    // What dot (x, y) of a pattern of this width shows in colour-bank mode 0
+    // or 4 (16 or 256 colours) with the bank of CMDCOLR.
+    Pixel BankDot(uint32_t address, int patternWidth, uint32_t mode, uint16_t colr, int x, int y) const {
+        const int n = y * patternWidth + x;
+        const uint8_t byte = vdp1->ReadVramByte(address + (mode == 0 ? n / 2 : n));
+        const uint32_t code = mode == 0 ? (n % 2 ? byte & 0xF : byte >> 4) : byte;
+        if (code == 0) return {0, 0, 0, 0};
+        const uint32_t index = (colr & (mode == 0 ? 0xFFF0 : 0xFF00)) | code;
+        return Rgb555(vdp2->CramBuffer(0)[index & 0x7FF]);
     }
 };
 
@@ -48,84 +65,79 @@ TEST_F(Vdp1TextureCacheTest, OnePatternGetsOneTexturePerPalette) {
         SCOPED_TRACE(testing::Message() << "mode " << c.mode << " banks " << c.bankA << "/" << c.bankB);
         vdp1->RequestCacheClear();
         DrawSprites({Sprite(0x1000, 0x0108, c.mode, c.bankA), Sprite(0x1000, 0x0108, c.mode, c.bankB)});
-        const CVdp1CharacterPattern* p = vdp1->GetPattern(0x1000);
-        ASSERT_NE(p, nullptr);
-        EXPECT_EQ(TextureCount(p), c.textures);
-        EXPECT_EQ(CVdp1CharacterPattern::PatternCount(), 1);
-        // The next frame reuses every texture.
-        RunFrame();
+        const Pattern* p = vdp1->GetPattern(0x1000);
+        EXPECT_EQ(Pattern::TextureCount(), c.textures);
+        EXPECT_EQ(Pattern::PatternCount(), 1);
+        RunFrame();  // the next frame reuses every texture
         EXPECT_EQ(vdp1->GetPattern(0x1000), p);
-        EXPECT_EQ(TextureCount(p), c.textures);
+        EXPECT_EQ(Pattern::TextureCount(), c.textures);
+    }
+    EXPECT_EQ(Pattern::TextureBytes(), uint64_t{8 * 8 * 4 + CVdp1TextureStore::kOverheadBytes});
+}
+
+TEST_F(Vdp1TextureCacheTest, SizesAndModesOnOneAddressEachDrawTheirOwnTexture) {
+    FillData(0x1000, 128);
+    const Command sprites[] = {Sprite(0x1000, 0x0208, 0, 0x0100, 0, 0), Sprite(0x1000, 0x0108, 0, 0x0100, 40, 0),
+                               Sprite(0x1000, 0x0108, 4, 0x0200, 80, 0), Sprite(0x1000, 0x0208, 0, 0x0110, 120, 0)};
+    for (int frame = 0; frame < 3; ++frame) {
+        SCOPED_TRACE(frame);
+        DrawSprites({sprites[0], sprites[1], sprites[2], sprites[3]});
+        for (const Command& s : sprites) {
+            const int width = (s.size >> 8) * 8, mode = s.pmod >> 3;
+            for (int y = 0; y < 8; ++y)
+                for (int x = 0; x < width; ++x)
+                    ASSERT_EQ(At(s.xa + x, y), BankDot(0x1000, width, mode, s.colr, x, y)) << s.xa + x << "," << y;
+        }
+        // Three patterns on one address, kept from frame to frame.
+        EXPECT_EQ(Pattern::PatternCount(), 3);
+        EXPECT_EQ(Pattern::TextureCount(), 4);
     }
 }
 
-TEST_F(Vdp1TextureCacheTest, PaletteIndexFilesColourBankTextures) {
-    FillData(0x1000, 32);
-    DrawSprites({Sprite(0x1000, 0x0108, 0, 0x0100), Sprite(0x1000, 0x0108, 0, 0x0110)});
-    const CVdp1CharacterPattern* p = vdp1->GetPattern(0x1000);
-    ASSERT_NE(p, nullptr);
-    EXPECT_NE(p->cbModeOpenglTextureIds[0x10], 0u);
-    EXPECT_NE(p->cbModeOpenglTextureIds[0x11], 0u);
-    EXPECT_NE(p->cbModeOpenglTextureIds[0x10], p->cbModeOpenglTextureIds[0x11]);
-}
-
-TEST_F(Vdp1TextureCacheTest, AnotherSizeOrModeAtTheSameAddressReplacesThePattern) {
-    FillData(0x1000, 64);
-    DrawSprites({Sprite(0x1000, 0x0108, 0, 0)});
-    ASSERT_NE(vdp1->GetPattern(0x1000), nullptr);
-    for (const Command& other : {Sprite(0x1000, 0x0208, 0, 0), Sprite(0x1000, 0x0208, 4, 0)}) {
-        DrawSprites({other});
-        const CVdp1CharacterPattern* p = vdp1->GetPattern(0x1000);
-        ASSERT_NE(p, nullptr);
-        EXPECT_EQ(p->characterSize, other.size);
-        EXPECT_EQ(p->colorMode, static_cast<uint32_t>(other.pmod >> 3));
-        EXPECT_EQ(CVdp1CharacterPattern::PatternCount(), 1);
-    }
-}
-
-TEST_F(Vdp1TextureCacheTest, OverlappingPatternDeletesTheOneItMeets) {
+TEST_F(Vdp1TextureCacheTest, OverlappedPatternIsRetiredYetStillDrawsInItsFrame) {
     // 16 x 8 lookup-table patterns are 64 bytes: 8 table entries.
     FillData(0x0FE0, 0x60);
-    DrawSprites({Sprite(0x1000, 0x0208, 1, 0x0400)});
-    const CVdp1CharacterPattern* first = vdp1->GetPattern(0x1000);
-    ASSERT_NE(first, nullptr);
-    EXPECT_EQ(first->startAddress, 0x1000u);
-    EXPECT_EQ(first->endAddress, 0x1040u);
-    for (uint32_t e = 0x200; e < 0x208; ++e) EXPECT_EQ(vdp1->characterPatterns[e], first) << e;
-
-    DrawSprites({Sprite(0x0FE0, 0x0208, 1, 0x0400)});
-    const CVdp1CharacterPattern* second = vdp1->GetPattern(0x0FE0);
+    for (uint32_t i = 0; i < 16; ++i) vdp1->WriteVramWord(0x2000 + i * 2, static_cast<uint16_t>(0x8000 | i * 0x421));
+    DrawSprites({Sprite(0x1000, 0x0208, 1, 0x0400, 0, 0), Sprite(0x0FE0, 0x0208, 1, 0x0400, 0, 20)});
+    for (int x = 0; x < 16; ++x) {
+        const uint8_t byte = vdp1->ReadVramByte(0x1000 + x / 2);
+        ASSERT_EQ(At(x, 0), Rgb555((x % 2 ? byte & 0xF : byte >> 4) * 0x421)) << x;
+    }
+    EXPECT_GT(Drawn(0, 20, 16, 28), 0);
+    const Pattern* second = vdp1->GetPattern(0x0FE0);
     ASSERT_NE(second, nullptr);
     for (uint32_t e = 0x1FC; e < 0x204; ++e) EXPECT_EQ(vdp1->characterPatterns[e], second) << e;
     for (uint32_t e = 0x204; e < 0x208; ++e) EXPECT_EQ(vdp1->characterPatterns[e], nullptr) << e;
-    EXPECT_EQ(CVdp1CharacterPattern::PatternCount(), 1);
+    EXPECT_EQ(Pattern::PatternCount(), 1) << "the retired pattern is gone once the frame is drawn";
 }
 
-TEST_F(Vdp1TextureCacheTest, EmptyPatternStillTakesItsStartEntry) {
-    DrawSprites({Sprite(0x2000, 0x0010, 0, 0)});  // width 0
-    const CVdp1CharacterPattern* p = vdp1->GetPattern(0x2000);
-    ASSERT_NE(p, nullptr);
-    EXPECT_EQ(p->dataSize, 0u);
-    EXPECT_EQ(vdp1->characterPatterns[0x401], nullptr);
+TEST_F(Vdp1TextureCacheTest, EveryByteOfThePatternInvalidatesIt) {
+    // 8 x 5 in 16 colours: 20 bytes, the last 8-byte unit only half used.
+    FillData(0x1000, 24);
+    struct Case { uint32_t address; bool invalidates; };
+    for (const Case& c : {Case{0x0FFF, false}, {0x1000, true}, {0x100F, true}, {0x1013, true}, {0x1018, false}}) {
+        SCOPED_TRACE(testing::Message() << std::hex << c.address);
+        DrawSprites({Sprite(0x1000, 0x0105, 0, 0x0100)});
+        Pattern* p = vdp1->GetPattern(0x1000);
+        ASSERT_NE(p, nullptr);
+        vdp1->WriteVramByte(c.address, static_cast<uint8_t>(vdp1->ReadVramByte(c.address) ^ 0x11));
+        EXPECT_EQ(p->modified, c.invalidates);
+        RunFrame();  // a changed pattern is rebuilt from the new data
+        for (int y = 0; y < 5; ++y)
+            for (int x = 0; x < 8; ++x) ASSERT_EQ(At(x, y), BankDot(0x1000, 8, 0, 0x0100, x, y)) << x << "," << y;
+    }
+    // A pattern starting in the partial unit overlaps it.
+    DrawSprites({Sprite(0x1000, 0x0105, 0, 0x0100), Sprite(0x1010, 0x0101, 0, 0x0100)});
+    EXPECT_EQ(Pattern::PatternCount(), 1);
 }
 
-TEST_F(Vdp1TextureCacheTest, VramWritesInvalidateOnlyWhenTheValueChanges) {
-    FillData(0x1000, 32);
-    DrawSprites({Sprite(0x1000, 0x0108, 5, 0)});  // 8 x 8 RGB: 128 bytes
-    CVdp1CharacterPattern* p = vdp1->GetPattern(0x1000);
-    ASSERT_NE(p, nullptr);
-    vdp1->WriteVramWord(0x1010, vdp1->ReadVramWord(0x1010));  // the same value
-    vdp1->WriteVramLong(0x1020, vdp1->ReadVramLong(0x1020));
-    EXPECT_FALSE(p->modified);
-    vdp1->WriteVramByte(0x107F, static_cast<uint8_t>(vdp1->ReadVramByte(0x107F) ^ 1));  // its last byte
-    EXPECT_TRUE(p->modified);
-    vdp1->WriteVramByte(0x1080, 0x55);  // beyond it: nothing to mark
-}
-
-TEST_F(Vdp1TextureCacheTest, ChangedPatternIsRebuiltByItsSpriteOrPurgedWithoutOne) {
+TEST_F(Vdp1TextureCacheTest, EqualWritesKeepAPatternChangedOnesRebuildOrPurgeIt) {
     WriteWords(Vram(), 0x1000, {0x801F, 0x801F, 0x801F, 0x801F, 0x801F, 0x801F, 0x801F, 0x801F});
     DrawSprites({Sprite(0x1000, 0x0101, 5, 0)});  // 8 x 1 red
     EXPECT_EQ(At(0, 0), Rgb555(0x001F));
+    vdp1->WriteVramWord(0x1004, 0x801F);  // the same value
+    vdp1->WriteVramLong(0x1008, 0x801F801F);
+    EXPECT_FALSE(vdp1->GetPattern(0x1000)->modified);
     // Changed during the frame: the walk rebuilds it with the new texels.
     vdp1->WriteVramWord(0x1000, 0xFC00);
     RunFrame();
@@ -133,37 +145,80 @@ TEST_F(Vdp1TextureCacheTest, ChangedPatternIsRebuiltByItsSpriteOrPurgedWithoutOn
     EXPECT_EQ(At(1, 0), Rgb555(0x001F));
     ASSERT_NE(vdp1->GetPattern(0x1000), nullptr);
     EXPECT_FALSE(vdp1->GetPattern(0x1000)->modified);
-
     // Changed in a frame that does not draw: purged after it.
     vdp1->WriteRegister(vdp1reg::PTMR, 0);
     vdp1->WriteVramWord(0x1002, 0x83E0);
     RunFrame();
     EXPECT_EQ(vdp1->GetPattern(0x1000), nullptr);
-    EXPECT_EQ(CVdp1CharacterPattern::PatternCount(), 0);
+    EXPECT_EQ(Pattern::PatternCount(), 0);
+    EXPECT_EQ(Pattern::TextureCount(), 0);
+    EXPECT_EQ(Pattern::TextureBytes(), 0u);
 }
 
 TEST_F(Vdp1TextureCacheTest, CrcCoversTheDataAsTheHostArrayHoldsIt) {
     // Console bytes "4321" "8765" lie in the host array as "12345678".
     const char console[] = "43218765";
     for (uint32_t i = 0; i < 8; ++i) vdp1->WriteVramByte(0x3000 + i, static_cast<uint8_t>(console[i]));
-    DrawSprites({Sprite(0x3000, 0x0101, 4, 0)});  // 8 x 1 x 8 bits
+    DrawSprites({Sprite(0x3000, 0x0101, 4, 0), Sprite(0x2000, 0x0010, 0, 0)});  // and an empty one
     ASSERT_NE(vdp1->GetPattern(0x3000), nullptr);
     EXPECT_EQ(vdp1->GetPattern(0x3000)->GetCrc(), 0x9AE0DAAFu);  // CRC-32 of "12345678"
+    ASSERT_NE(vdp1->GetPattern(0x2000), nullptr) << "a pattern without data still takes its first entry";
+    EXPECT_EQ(vdp1->characterPatterns[0x401], nullptr);
 }
 
-TEST_F(Vdp1TextureCacheTest, ReplacementSetStopsFurtherPalettes) {
-    FillData(0x1000, 32);
+// Lookup tables at 0x2000 + 32 n whose code 1 shows colour n + 1.
+class Vdp1TextureBudgetTest : public Vdp1TextureCacheTest {
+protected:
+    static constexpr uint64_t kTexture = 16 * 8 * 4 + CVdp1TextureStore::kOverheadBytes;
+    void SetUp() override {
+        Vdp1TextureCacheTest::SetUp();
+        for (uint32_t i = 0; i < 64; ++i) vdp1->WriteVramByte(0x1000 + i, 0x11);  // every dot: code 1
+        for (uint16_t n = 0; n < 16; ++n) vdp1->WriteVramWord(0x2000 + 32 * n + 2, static_cast<uint16_t>(n + 1));
+    }
+    static Command Table(uint16_t n, int16_t x = 0) { return Sprite(0x1000, 0x0208, 1, 0x0400 + 4 * n, x); }
+    Pixel Shown(uint16_t n) const { return Rgb555(n + 1); }
+};
+
+TEST_F(Vdp1TextureBudgetTest, OldestTexturesGoFirstAndComeBackAsTheyWere) {
+    Pattern::SetTextureBudget(3 * kTexture);
+    for (uint16_t n = 0; n < 8; ++n) {
+        DrawSprites({Table(n)});
+        EXPECT_EQ(At(0, 0), Shown(n)) << n;
+        EXPECT_LE(Pattern::TextureBytes(), 3 * kTexture);
+    }
+    EXPECT_EQ(Pattern::TextureCount(), 3);
+    // A frame that needs more than the budget keeps all it draws.
+    DrawSprites({Table(0, 0), Table(1, 20), Table(2, 40), Table(3, 60), Table(4, 80)});
+    for (uint16_t n = 0; n < 5; ++n) EXPECT_EQ(At(20 * n, 0), Shown(n)) << n;
+    EXPECT_EQ(Pattern::TextureCount(), 5);
+    DrawSprites({Table(5)});
+    EXPECT_EQ(Pattern::TextureCount(), 3);
+}
+
+TEST_F(Vdp1TextureBudgetTest, ATextureGivenBackUnderAReplacementSetIsGeneratedAgain) {
+    // While a set is active no texture is added to a pattern: one that lost
+    // its texture is built again as it was first built.
     CVdp1CharacterPattern::EnableReplacementTextures({{"unused.tif", 0x12345678, 0x0100}});
-    EXPECT_TRUE(vdp1->clearCacheRequested);
-    DrawSprites({Sprite(0x1000, 0x0108, 0, 0x0100), Sprite(0x1000, 0x0108, 0, 0x0110)});
-    const CVdp1CharacterPattern* p = vdp1->GetPattern(0x1000);
-    ASSERT_NE(p, nullptr);
-    EXPECT_NE(p->cbModeOpenglTextureIds[0x10], 0u);
-    EXPECT_EQ(p->cbModeOpenglTextureIds[0x11], 0u) << "no texture is added while a set is active";
+    Pattern::SetTextureBudget(2 * kTexture);
+    const Command wide = Table(1), narrow = Sprite(0x1000, 0x0108, 1, 0x0400 + 4 * 2, 20),
+                  other = Sprite(0x1800, 0x0208, 1, 0x0400 + 4 * 3, 40);
+    FillData(0x1800, 64);
+    DrawSprites({wide, narrow});  // two variants on one address
+    DrawSprites({narrow, other});   // the wide one's texture goes; the address keeps its variants
+    DrawSprites({wide, other});   // and the narrow one's
+    EXPECT_EQ(At(0, 0), Shown(1));
+    EXPECT_EQ(At(20, 0), kNone);
+    DrawSprites({wide, narrow});
+    EXPECT_EQ(At(0, 0), Shown(1));
+    EXPECT_EQ(At(20, 0), Shown(2));
+    // A second palette of one pattern is still not added while the set is on.
+    DrawSprites({wide, Table(4, 60)});
+    EXPECT_EQ(At(0, 0), Shown(1));
+    EXPECT_EQ(At(60, 0), kNone);
     CVdp1CharacterPattern::DisableReplacementTextures();
     EXPECT_TRUE(vdp1->clearCacheRequested);
-    DrawSprites({Sprite(0x1000, 0x0108, 0, 0x0100), Sprite(0x1000, 0x0108, 0, 0x0110)});
-    EXPECT_NE(vdp1->GetPattern(0x1000)->cbModeOpenglTextureIds[0x11], 0u);
+    DrawSprites({wide, Table(4, 60)});
+    EXPECT_EQ(At(60, 0), Shown(4));
 }
 
 TEST_F(Vdp1TextureCacheTest, EditorReadsImageAndDescriptionOfTheDrawingParts) {
@@ -175,7 +230,7 @@ TEST_F(Vdp1TextureCacheTest, EditorReadsImageAndDescriptionOfTheDrawingParts) {
     WriteCommandList(Vram(), {});
     RunFrame();
     std::lock_guard lock(vdp1->cacheMutex);
-    const CVdp1CharacterPattern* p = vdp1->GetPattern(0x1000);
+    const Pattern* p = vdp1->GetPattern(0x1000);
     ASSERT_NE(p, nullptr);
     uint32_t image[16];
     std::memset(image, 0xAB, sizeof image);
@@ -192,11 +247,7 @@ TEST_F(Vdp1TextureCacheTest, EditorReadsImageAndDescriptionOfTheDrawingParts) {
 
 TEST_F(Vdp1TextureCacheTest, DescriptionNamesEachColourModeWithItsBankOrTable) {
     FillData(0x1000, 128);
-    struct Case {
-        uint32_t mode;
-        uint16_t colr;
-        const char* text;
-    };
+    struct Case { uint32_t mode; uint16_t colr; const char* text; };
     const Case cases[] = {
         {1, 0x0601, "Color mode: \n16 colors lookup table\nLUT address: 0x3008\nsize: 8x8\n"},
         {2, 0x0147, "Color mode: \n64 colors color bank\ncolor bank: 0x147\nsize: 8x8\n"},  // unmasked

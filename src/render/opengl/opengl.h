@@ -17,7 +17,6 @@
 
 namespace vdpgl {
 
-class CVdp1CharacterPattern;
 class CVdp1Part;
 class CVdp1SpritePart;
 
@@ -72,14 +71,12 @@ public:
                     float green, float blue, float secondaryRed, float secondaryGreen, float secondaryBlue,
                     float alpha);
     void DrawRotationBackground(int bgNumber, const uint32_t* pixels, int width, int height);
-    // A sprite with its cached texture (skipped when its character has none),
+    // A sprite with the texture the cache gave it (skipped when it has none),
     // mirrored as its direction says.
     void DrawTexturedPart(const CVdp1SpritePart& part);
     void DrawPolygon(const CVdp1Part& part);
     void DrawPolyline(const CVdp1Part& part);
     void DrawLine(const CVdp1Part& part);
-
-    void SetVdp1TextureTable(CVdp1CharacterPattern** table) { vdp1TextureTable = table; }
 
     // Emulated screen size, from VDP2's TVMD decoding.
     void SetSaturnResolution(int hRes, int vRes);
@@ -114,7 +111,6 @@ public:
     int32_t bitmapWidths[2] = {};
     int32_t bitmapHeights[2] = {};
     uint32_t rotationBackgroundTextureIds[2] = {};
-    CVdp1CharacterPattern** vdp1TextureTable = nullptr;
 
 private:
     // Device coordinates of a console position.

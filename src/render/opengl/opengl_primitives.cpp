@@ -4,7 +4,6 @@
 #include "common/consistency_check.h"
 #include "render/opengl/gl_headers.h"
 #include "render/opengl/opengl.h"
-#include "vdp1/vdp1_character_pattern/vdp1_character_pattern.h"
 #include "vdp1/vdp1_part.h"
 
 namespace vdpgl {
@@ -82,14 +81,11 @@ void COpenGl::DrawRotationBackground(int bgNumber, const uint32_t* pixels, int w
 }
 
 void COpenGl::DrawTexturedPart(const CVdp1SpritePart& part) {
-    if (!context || !vdp1TextureTable) return;
-    const CVdp1CharacterPattern* pattern = vdp1TextureTable[(part.characterAddress >> 3) & 0xFFFF];
-    if (!pattern) return;
-    const uint32_t texture = pattern->GetTextureId(part);
-    if (!texture) return;  // texture 0 would draw the part as a plain quad
+    const uint32_t texture = part.textureId;
+    if (!context || !texture) return;  // texture 0 would draw the part as a plain quad
 
     // Corners A, B, C, D; a flip moves the far texture edge to the other side.
-    const float sMax = pattern->uMax, tMax = pattern->vMax;
+    const float sMax = part.uMax, tMax = part.vMax;
     float s[4] = {}, t[4] = {};
     if (part.IsFlippedHorizontally())
         s[0] = s[3] = sMax;

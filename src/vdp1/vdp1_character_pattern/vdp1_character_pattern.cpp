@@ -4,6 +4,7 @@
 
 #include <zlib.h>
 
+#include <algorithm>
 #include <bit>
 #include <cstdio>
 #include <mutex>
@@ -26,12 +27,13 @@ constexpr const char* kModeLabels[6] = {"\t16 colors color bank\n", "\t16 colors
 
 bool IsColorBankMode(uint32_t mode) { return mode == 0 || (mode >= 2 && mode <= 4); }
 
-// Visits the table entries a pattern covers: from its start unit, at least
-// once, up to its end unit; data running past the end of VRAM wraps to 0.
+// Visits the table entries of every 8-byte unit that a pattern's data
+// touches, the partial last one included, and at least the first; data
+// running past the end of VRAM wraps to 0.
 template <typename Visit>
 void ForEachEntry(uint32_t startAddress, uint32_t endAddress, Visit visit) {
     uint32_t i = startAddress >> 3;
-    const uint32_t end = endAddress >> 3;
+    const uint32_t end = (endAddress + 7) >> 3;
     do {
         visit(i & kTableMask);
         ++i;
@@ -56,22 +58,33 @@ CVdp1CharacterPattern::CVdp1CharacterPattern() { patternCount.fetch_add(1, std::
 
 CVdp1CharacterPattern::~CVdp1CharacterPattern() {
     statics.log.Log("destroying CVdp1CharacterPattern\n");
-    statics.log.Log("unmapping texture in cache from 0x%08X to 0x%08X\n", startAddress >> 3, endAddress >> 3);
-    if (CVdp1CharacterPattern** table = statics.characterPatterns) {
-        ForEachEntry(startAddress, endAddress, [&](uint32_t i) {
-            if (table[i] == this)
-                table[i] = nullptr;
-            else
-                statics.log.Log("\ttexture emplacement overwritten in cache!!\n");
-        });
-    }
-    if (COpenGl* renderer = statics.renderer) {
-        for (const auto& [ctrl, id] : lutModeOpenglTextureIds) renderer->DeleteVdp1Texture(id);
-        for (uint32_t id : cbModeOpenglTextureIds)
-            if (id) renderer->DeleteVdp1Texture(id);
-        if (rgbModeOpenglTextureId) renderer->DeleteVdp1Texture(rgbModeOpenglTextureId);
+    Unmap();
+    while (textures) DeleteTexture(textures);
+    while (CVdp1CharacterPattern* variant = nextVariant) {
+        nextVariant = variant->nextVariant;
+        variant->nextVariant = variant->primary = nullptr;
+        delete variant;
     }
     patternCount.fetch_sub(1, std::memory_order_relaxed);
+}
+
+void CVdp1CharacterPattern::Unmap() {
+    if (!mapped) return;
+    mapped = false;
+    statics.log.Log("unmapping texture in cache from 0x%08X to 0x%08X\n", startAddress >> 3, mappedEnd >> 3);
+    CVdp1CharacterPattern** table = statics.characterPatterns;
+    if (!table) return;
+    ForEachEntry(startAddress, mappedEnd, [&](uint32_t i) {
+        if (table[i] == this)
+            table[i] = nullptr;
+        else
+            statics.log.Log("\ttexture emplacement overwritten in cache!!\n");
+    });
+}
+
+void CVdp1CharacterPattern::DeleteTexture(CVdp1Texture* texture) {
+    const uint32_t id = statics.textures.Remove(texture, textures);
+    if (id && statics.renderer) statics.renderer->DeleteVdp1Texture(id);
 }
 
 void CVdp1CharacterPattern::InitializeStatics(CVdp1CharacterPattern** table, COpenGl* renderer, CVdp1* vdp1,
@@ -87,6 +100,7 @@ void CVdp1CharacterPattern::InitializeStatics(CVdp1CharacterPattern** table, COp
     if (statics.texelBuffer.size() < 512u * 256u) statics.texelBuffer.resize(512u * 256u);
     statics.replacementTexturesEnabled.store(false, std::memory_order_release);
     statics.replacementTextures.clear();
+    statics.walk = 0;
     patternCount.store(0, std::memory_order_relaxed);
     statics.log.SetUp("vdp1_character_pattern.log", false);
 }
@@ -127,33 +141,99 @@ int32_t CVdp1CharacterPattern::DataSize(uint32_t colorMode, int32_t width, int32
     }
 }
 
-CVdp1CharacterPattern* CVdp1CharacterPattern::UseTexture(const CVdp1SpritePart& part) {
+uint32_t CVdp1CharacterPattern::TextureKey(const CVdp1SpritePart& part) {
+    if (IsColorBankMode(part.colorMode)) return part.ComputeVdp2PaletteIndex();
+    return part.colorMode == 1 ? part.colorCtrl : 0u;
+}
+
+int CVdp1CharacterPattern::VariantCount() const {
+    int n = 0;
+    for (const CVdp1CharacterPattern* p = this; p; p = p->nextVariant) ++n;
+    return n;
+}
+
+void CVdp1CharacterPattern::BeginWalk() {
+    ReleaseRetiredPatterns();
+    ++statics.walk;
+}
+
+CVdp1CharacterPattern* CVdp1CharacterPattern::UseTexture(CVdp1SpritePart& part) {
+    part.textureId = 0;
+    part.uMax = part.vMax = 0.0f;
     CVdp1CharacterPattern** table = statics.characterPatterns;
     if (!table) return nullptr;
     const uint32_t index = (part.characterAddress >> 3) & kTableMask;
-    CVdp1CharacterPattern* entry = table[index];
-    bool generate = false;
-    if (!entry) {
-        generate = true;
-    } else if (entry->modified.load(std::memory_order_relaxed)) {
-        delete entry;
-        generate = true;
-    } else {
-        switch (entry->Compare(part)) {
-        case kPatternEqual: break;
-        case kPatternOtherPalette: entry->AddTexture(part); break;
-        case kPatternOtherPart:
-            delete entry;
-            generate = true;
-            break;
+    CVdp1CharacterPattern* group = table[index];
+    // Changed data, or a pattern that only runs through this address.
+    if (group && (group->modified.load(std::memory_order_relaxed) || group->startAddress != part.characterAddress)) {
+        Retire(group);
+        group = nullptr;
+    }
+    CVdp1CharacterPattern* pattern = group;
+    Vdp1PatternMatch match = kPatternOtherPart;
+    for (; pattern; pattern = pattern->nextVariant)
+        if ((match = pattern->Compare(part)) != kPatternOtherPart) break;
+
+    if (!pattern) {
+        if (group && group->VariantCount() >= kMaxVariants) {
+            Retire(group);
+            group = nullptr;
         }
-    }
-    if (generate) {
-        CVdp1CharacterPattern* pattern = new CVdp1CharacterPattern;
-        table[index] = pattern;
+        pattern = new CVdp1CharacterPattern;
+        if (group) {
+            pattern->primary = group;
+            pattern->nextVariant = group->nextVariant;
+            group->nextVariant = pattern;
+        }
         pattern->GenerateTexture(part);
+    } else if (!pattern->textures) {
+        pattern->GenerateTexture(part);  // every texture was given back
+    } else if (match == kPatternOtherPalette) {
+        pattern->AddTexture(part);
     }
-    return table[index];
+    if (CVdp1Texture* texture = statics.textures.Find(pattern, TextureKey(part))) {
+        statics.textures.Touch(texture, statics.walk);
+        part.textureId = texture->id;
+        part.uMax = pattern->uMax;
+        part.vMax = pattern->vMax;
+    }
+    GiveBackTextures();
+    return pattern;
+}
+
+void CVdp1CharacterPattern::Retire(CVdp1CharacterPattern* pattern) {
+    pattern->Unmap();
+    for (CVdp1CharacterPattern* p = pattern; p; p = p->nextVariant)
+        for (CVdp1Texture* t = p->textures; t; t = t->nextOfPattern) statics.textures.Hold(t);
+    statics.retired.push_back(pattern);
+}
+
+void CVdp1CharacterPattern::ReleaseRetiredPatterns() {
+    for (CVdp1CharacterPattern* p : statics.retired) delete p;
+    statics.retired.clear();
+}
+
+void CVdp1CharacterPattern::GiveBackTextures() {
+    CVdp1TextureStore& store = statics.textures;
+    while (store.OverBudget()) {
+        CVdp1Texture* texture = store.Oldest();
+        if (!texture || texture->lastUsedWalk == statics.walk) break;
+        CVdp1CharacterPattern* pattern = texture->pattern;
+        pattern->DeleteTexture(texture);
+        if (!pattern->textures) DropIfEmpty(pattern);
+    }
+}
+
+void CVdp1CharacterPattern::DropIfEmpty(CVdp1CharacterPattern* pattern) {
+    if (CVdp1CharacterPattern* owner = pattern->primary) {
+        CVdp1CharacterPattern** link = &owner->nextVariant;
+        while (*link != pattern) link = &(*link)->nextVariant;
+        *link = pattern->nextVariant;
+        pattern->nextVariant = nullptr;
+        delete pattern;
+    } else if (!pattern->nextVariant) {
+        delete pattern;  // unmaps itself
+    }
 }
 
 void CVdp1CharacterPattern::PrepareTexels() {
@@ -173,30 +253,22 @@ void CVdp1CharacterPattern::RunTextureDecoder(uint32_t mode, const CVdp1SpritePa
     std::fill(texels + height * textureWidth, texels + textureHeight * textureWidth, 0u);
 }
 
-void CVdp1CharacterPattern::FileTexture(const CVdp1SpritePart& part, uint32_t id, bool adding) {
-    const uint32_t mode = part.colorMode;
-    if (IsColorBankMode(mode)) {
-        uint32_t& slot = cbModeOpenglTextureIds[part.ComputeVdp2PaletteIndex()];
-        if (adding) VDPGL_CHECK_OR_RETURN(cbModeOpenglTextureIds[part.ComputeVdp2PaletteIndex()]==0, "vdp1_character_pattern");
-        slot = id;
-    } else if (mode == 1) {
-        bool found = false;
-        for (auto& [ctrl, textureId] : lutModeOpenglTextureIds) {
-            if (ctrl == part.colorCtrl) {
-                statics.log.Log("\treplacing texture id\n");
-                if (statics.renderer) statics.renderer->DeleteVdp1Texture(textureId);
-                textureId = id;
-                found = true;
-            }
-        }
-        VDPGL_CHECK_OR_RETURN(!found, "vdp1_character_pattern");
-        lutModeOpenglTextureIds.emplace_back(part.colorCtrl, id);
+CVdp1Texture* CVdp1CharacterPattern::FileTexture(const CVdp1SpritePart& part, uint32_t id, bool adding) {
+    const uint32_t key = TextureKey(part);
+    if (statics.textures.Find(this, key)) {
+        // A second texture for one palette would leak the first.
+        if (statics.renderer) statics.renderer->DeleteVdp1Texture(id);
+        ReportFailedCheck(IsColorBankMode(part.colorMode) ? "cbModeOpenglTextureIds[part->ComputeVdp2PaletteIndex()]==0"
+                          : part.colorMode == 1         ? "!found"
+                                                        : "rgbModeOpenglTextureId==0",
+                          "vdp1_character_pattern");
+        return nullptr;
+    }
+    if (part.colorMode == 1)
         statics.log.Log(adding ? "\tlutModeOpenglTextureIds.push_back\n" : "lutModeOpenglTextureIds[0x%X]=%d\n",
                         part.colorCtrl, id);
-    } else if (mode == 5) {
-        if (adding) VDPGL_CHECK_OR_RETURN(rgbModeOpenglTextureId==0, "vdp1_character_pattern");
-        rgbModeOpenglTextureId = id;
-    }
+    const uint64_t texelBytes = uint64_t{4} * static_cast<uint64_t>(textureWidth) * static_cast<uint64_t>(textureHeight);
+    return statics.textures.Add(this, textures, key, id, texelBytes, statics.walk);
 }
 
 void CVdp1CharacterPattern::GenerateTexture(const CVdp1SpritePart& part) {
@@ -242,16 +314,21 @@ void CVdp1CharacterPattern::GenerateTexture(const CVdp1SpritePart& part) {
 }
 
 void CVdp1CharacterPattern::MapInTable() {
+    // A variant's units are mapped to the table's pattern of its address.
+    CVdp1CharacterPattern* owner = primary ? primary : this;
+    const uint32_t end = owner->mapped ? std::max(owner->mappedEnd, endAddress) : endAddress;
     statics.log.Log("\tcharacter address: 0x%08X\n", startAddress);
-    statics.log.Log("\tmapping from 0x%08X to 0x%08X\n", startAddress >> 3, endAddress >> 3);
+    statics.log.Log("\tmapping from 0x%08X to 0x%08X\n", startAddress >> 3, end >> 3);
     CVdp1CharacterPattern** table = statics.characterPatterns;
-    ForEachEntry(startAddress, endAddress, [&](uint32_t i) {
-        if (table[i] && table[i] != this) {
+    ForEachEntry(startAddress, end, [&](uint32_t i) {
+        if (table[i] && table[i] != owner) {
             statics.log.Log("\ttexture overwritten in cache!!, deleting overwritten texture\n");
-            delete table[i];  // empties its own entries
+            Retire(table[i]);  // empties its own entries
         }
-        table[i] = this;
+        table[i] = owner;
     });
+    owner->mappedEnd = end;
+    owner->mapped = true;
 }
 
 void CVdp1CharacterPattern::AddTexture(const CVdp1SpritePart& part) {
@@ -274,18 +351,9 @@ Vdp1PatternMatch CVdp1CharacterPattern::Compare(const CVdp1SpritePart& part) con
         statics.log.Log("\tdifferent part\n");
         return kPatternOtherPart;
     }
-    if (IsColorBankMode(colorMode)) {
-        if (!cbModeOpenglTextureIds[part.ComputeVdp2PaletteIndex()]) {
-            statics.log.Log("\tdifferent palette\n");
-            return kPatternOtherPalette;
-        }
-    } else if (colorMode == 1) {
-        bool found = false;
-        for (const auto& [ctrl, id] : lutModeOpenglTextureIds) found = found || ctrl == part.colorCtrl;
-        if (!found) {
-            statics.log.Log("\tdifferent palette\n");
-            return kPatternOtherPalette;
-        }
+    if (colorMode <= 5 && !statics.textures.Find(this, TextureKey(part))) {
+        statics.log.Log("\tdifferent palette\n");
+        return kPatternOtherPalette;
     }
     statics.log.Log("\tequal\n");
     return kPatternEqual;
@@ -293,24 +361,10 @@ Vdp1PatternMatch CVdp1CharacterPattern::Compare(const CVdp1SpritePart& part) con
 
 uint32_t CVdp1CharacterPattern::GetTextureId(const CVdp1SpritePart& part) const {
     statics.log.Log("looking for texture\n");
-    uint32_t id = 0;
-    const uint32_t mode = part.colorMode;
-    if (IsColorBankMode(mode)) {
-        id = cbModeOpenglTextureIds[part.ComputeVdp2PaletteIndex()];
-    } else if (mode == 1) {
-        for (const auto& [ctrl, textureId] : lutModeOpenglTextureIds) {
-            if (ctrl == part.colorCtrl) {
-                id = textureId;
-                break;
-            }
-        }
-    } else if (mode == 5) {
-        id = rgbModeOpenglTextureId;
-    } else {
-        VDPGL_CHECK_OR_RETURN(mode <= 5, "vdp1_character_pattern", 0u);
-    }
-    if (!id) statics.log.Log("\ttexture not found!\n");
-    return id;
+    VDPGL_CHECK_OR_RETURN(part.colorMode <= 5, "vdp1_character_pattern", 0u);
+    const CVdp1Texture* texture = statics.textures.Find(this, TextureKey(part));
+    if (!texture || !texture->id) statics.log.Log("\ttexture not found!\n");
+    return texture ? texture->id : 0u;
 }
 
 bool CVdp1CharacterPattern::FindReplacementTexture(const CVdp1SpritePart& part, Vdp1ReplacementTexture& found) const {

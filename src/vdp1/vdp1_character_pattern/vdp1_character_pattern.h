@@ -3,9 +3,22 @@
 // that a sprite used as its character. It keeps the pattern's geometry and
 // colour mode, a CRC-32 of its data (what replacement sets match on) and one
 // GL texture per palette it was drawn with. CVdp1's table maps every 8-byte
-// unit of VRAM to the pattern covering it and owns the patterns; a VRAM write
-// that changes a byte under a pattern marks it modified, and modified patterns
-// are rebuilt by the next sprite that uses them or purged after the frame.
+// unit of VRAM that a pattern's data touches, the partial last one included,
+// to the pattern covering it; a VRAM write that changes a byte there marks it
+// modified, and modified patterns are rebuilt by the next sprite that uses
+// them or purged after the frame.
+//
+// Patterns that start at one address with other sizes or colour modes are
+// kept together as variants of the pattern the table holds, so that a list
+// alternating two sizes on one address decodes each once. A pattern replaced
+// during a walk (modified, overlapped, another part at its address) is only
+// retired: its textures live until the frame is drawn, since each part
+// draws with the texture that was built for it.
+//
+// Textures are charged against a memory budget; when it is exceeded, those
+// not used for the longest time are given back, never one that the latest
+// walk uses. A pattern whose last texture was given back is built again
+// through GenerateTexture the next time a part needs it.
 //
 // The emulation thread changes the table and the patterns only while holding
 // CVdp1::cacheMutex; the editor reads them under the same lock.
@@ -14,10 +27,10 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "common/module_log.h"
+#include "vdp1/vdp1_character_pattern/vdp1_texture_store.h"
 
 namespace vdpgl {
 
@@ -40,8 +53,9 @@ enum Vdp1PatternMatch : int { kPatternEqual = 0, kPatternOtherPalette = 1, kPatt
 
 class CVdp1CharacterPattern {
 public:
-    static constexpr int kPaletteCount = 128;
     static constexpr uint32_t kOpaqueBlack = 0xFF000000u;
+    // Patterns kept at one start address, the table's own included.
+    static constexpr int kMaxVariants = 8;
 
     CVdp1CharacterPattern();
     ~CVdp1CharacterPattern();
@@ -51,7 +65,14 @@ public:
     // Module set-up when VDP1 is linked to VDP2: the table, renderer and both
     // processors; resets the pattern count and deletes the module's old log.
     static void InitializeStatics(CVdp1CharacterPattern** table, COpenGl* renderer, CVdp1* vdp1, CVdp2* vdp2);
+    // What the cache holds; readable from any thread.
     static int PatternCount() { return patternCount.load(std::memory_order_relaxed); }
+    static int TextureCount() { return statics.textures.Count(); }
+    static uint64_t TextureBytes() { return statics.textures.Bytes(); }
+    static uint64_t TextureBudget() { return statics.textures.Budget(); }
+    // Texture memory the cache may keep, in bytes (charges as the store
+    // counts them); takes effect at the next texture created.
+    static void SetTextureBudget(uint64_t bytes) { statics.textures.SetBudget(bytes); }
     // Replacement sets: the cache is cleared at the start of the next frame
     // so that every pattern is generated anew with or without them.
     static void EnableReplacementTextures(const std::vector<Vdp1ReplacementTexture>& textures);
@@ -64,9 +85,15 @@ public:
     static int32_t DataSize(uint32_t colorMode, int32_t width, int32_t height);
 
     // The texture cache protocol, run by a sprite when it is built: finds,
-    // adds or (re)generates the texture of the part's pattern and palette.
-    // Returns the pattern now filed at the part's character address.
-    static CVdp1CharacterPattern* UseTexture(const CVdp1SpritePart& part);
+    // adds or (re)generates the texture of the part's pattern and palette,
+    // and hands the part its texture name and coordinates. Returns the
+    // pattern the part uses.
+    static CVdp1CharacterPattern* UseTexture(CVdp1SpritePart& part);
+    // A walk begins: textures it uses are stamped with its number.
+    static void BeginWalk();
+    // After a frame is drawn (and at the next walk): patterns retired during
+    // the walk are deleted with their textures.
+    static void ReleaseRetiredPatterns();
 
     void GenerateTexture(const CVdp1SpritePart& part);
     void AddTexture(const CVdp1SpritePart& part);
@@ -100,9 +127,16 @@ public:
     void DecodeImage256ColorsColorBank(uint32_t* destination) const;
     void DecodeImage32KColors(uint32_t* destination) const;
 
-    std::vector<std::pair<uint32_t, uint32_t>> lutModeOpenglTextureIds;  // (CMDCOLR, texture)
-    uint32_t cbModeOpenglTextureIds[kPaletteCount] = {};
-    uint32_t rgbModeOpenglTextureId = 0;
+    // The pattern's textures, one per palette, keyed by the part's colour
+    // bank index (modes 0, 2, 3, 4), its CMDCOLR (lookup tables, mode 1) or 0
+    // (32K colours, mode 5).
+    CVdp1Texture* textures = nullptr;
+    // Other patterns at the same start address; the table's pattern owns
+    // them and maps the units of all of them.
+    CVdp1CharacterPattern* nextVariant = nullptr;
+    CVdp1CharacterPattern* primary = nullptr;  // of a variant: the table's pattern
+    uint32_t mappedEnd = 0;  // the table's pattern: end of the mapped units' data
+    bool mapped = false;
     uint32_t colorCtrl = 0;  // of the generating part
     int32_t width = 0;
     int32_t height = 0;
@@ -143,9 +177,20 @@ private:
     // The texture decoder of a colour mode, then the padding cleared.
     void RunTextureDecoder(uint32_t mode, const CVdp1SpritePart& part);
     void DecodeTextureInMode(const CVdp1SpritePart& part, uint32_t mode);
-    void FileTexture(const CVdp1SpritePart& part, uint32_t id, bool adding);
+    CVdp1Texture* FileTexture(const CVdp1SpritePart& part, uint32_t id, bool adding);
     void MapInTable();
     void PrepareTexels();
+    static uint32_t TextureKey(const CVdp1SpritePart& part);
+    int VariantCount() const;
+    // Out of the table at once, deleted once the frame is drawn.
+    static void Retire(CVdp1CharacterPattern* pattern);
+    void Unmap();
+    // The budget's turn: textures not used by the latest walk go, oldest
+    // first, until the cache is within the budget again.
+    static void GiveBackTextures();
+    void DeleteTexture(CVdp1Texture* texture);
+    // A pattern left without textures goes too, unless it holds variants.
+    static void DropIfEmpty(CVdp1CharacterPattern* pattern);
 
     // The decoders by colour mode.
     using TextureDecoder = void (CVdp1CharacterPattern::*)(const CVdp1SpritePart&);
@@ -163,6 +208,9 @@ private:
         std::atomic<bool> replacementTexturesEnabled{false};
         std::vector<Vdp1ReplacementTexture> replacementTextures;
         std::vector<uint32_t> texelBuffer;  // reused by every decode
+        CVdp1TextureStore textures;
+        std::vector<CVdp1CharacterPattern*> retired;
+        uint32_t walk = 0;
         CModuleLog log;
     };
     static Statics statics;
