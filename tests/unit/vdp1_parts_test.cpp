@@ -173,11 +173,16 @@ TEST_F(Vdp1PartsTest, ShapeColourFromCmdcolrAndColourCalculation) {
 
 TEST_F(Vdp1PartsTest, ShapeGouraudIsAddedPerCornerBeforeHalvingAndClamped) {
     WriteGouraudTable();
-    const auto gouraud = Make(kPolygon, {.pmod = 0x004, .colr = 0x7FFF, .grda = 0x100});
-    ExpectRgb(gouraud->colors[0], 1, 1, 1);
-    ExpectRgb(gouraud->colors[1], 0.5f, 0.5f, 0.5f);
-    ExpectRgb(gouraud->colors[2], 1, 1, 1);
-    ExpectRgb(gouraud->colors[3], 1, 0.5f, 0.5f);
+    // The prohibited mode 5 has the gouraud bit: shaded, and opaque as replace.
+    for (uint16_t pmod : {0x004, 0x005}) {
+        SCOPED_TRACE(pmod);
+        const auto gouraud = Make(kPolygon, {.pmod = pmod, .colr = 0x7FFF, .grda = 0x100});
+        ExpectRgb(gouraud->colors[0], 1, 1, 1);
+        ExpectRgb(gouraud->colors[1], 0.5f, 0.5f, 0.5f);
+        ExpectRgb(gouraud->colors[2], 1, 1, 1);
+        ExpectRgb(gouraud->colors[3], 1, 0.5f, 0.5f);
+        EXPECT_FLOAT_EQ(gouraud->alpha, 1.0f);
+    }
 
     const auto halved = Make(kPolygon, {.pmod = 0x006, .colr = 0x7FFF, .grda = 0x100});
     ExpectRgb(halved->colors[0], 0.734375f, 0.734375f, 0.734375f);

@@ -67,6 +67,11 @@ TEST_F(Vdp2CramTest, ModesOneAndTwoWriteOneEntryWithoutMirror) {
         expected[0x601] = 0xBBBB;
         EXPECT_EQ(ActiveBuffer(), expected);
     }
+    // A reset clears RAMCTL and keeps the mode: writes go on following it, as lookups do.
+    vdp2->ResetVdp2();
+    ASSERT_EQ(vdp2->Register(RAMCTL), 0);
+    vdp2->WriteCramWord(0x010, 0x1234);
+    EXPECT_EQ(vdp2->ReadCramWord(0x810), 0);
 }
 
 TEST_F(Vdp2CramTest, ModeThreeDropsWritesOfEveryWidth) {

@@ -146,6 +146,11 @@ uint32_t CVdp1CharacterPattern::TextureKey(const CVdp1SpritePart& part) {
     return part.colorMode == 1 ? part.colorCtrl : 0u;
 }
 
+bool CVdp1CharacterPattern::HoldsCharacterOf(const CVdp1SpritePart& part) const {
+    return characterSize == part.characterSize && startAddress == part.characterAddress &&
+           endAddress == part.characterAddress + dataSize && colorMode == part.colorMode;
+}
+
 int CVdp1CharacterPattern::VariantCount() const {
     int n = 0;
     for (const CVdp1CharacterPattern* p = this; p; p = p->nextVariant) ++n;
@@ -169,11 +174,10 @@ CVdp1CharacterPattern* CVdp1CharacterPattern::UseTexture(CVdp1SpritePart& part) 
         Retire(group);
         group = nullptr;
     }
+    // What Compare decides, with one lookup of the texture.
     CVdp1CharacterPattern* pattern = group;
-    Vdp1PatternMatch match = kPatternOtherPart;
-    for (; pattern; pattern = pattern->nextVariant)
-        if ((match = pattern->Compare(part)) != kPatternOtherPart) break;
-
+    while (pattern && !pattern->HoldsCharacterOf(part)) pattern = pattern->nextVariant;
+    CVdp1Texture* texture = nullptr;
     if (!pattern) {
         if (group && group->VariantCount() >= kMaxVariants) {
             Retire(group);
@@ -185,13 +189,13 @@ CVdp1CharacterPattern* CVdp1CharacterPattern::UseTexture(CVdp1SpritePart& part) 
             pattern->nextVariant = group->nextVariant;
             group->nextVariant = pattern;
         }
-        pattern->GenerateTexture(part);
+        texture = pattern->GenerateTexture(part);
     } else if (!pattern->textures) {
-        pattern->GenerateTexture(part);  // every texture was given back
-    } else if (match == kPatternOtherPalette) {
-        pattern->AddTexture(part);
+        texture = pattern->GenerateTexture(part);  // every texture was given back
+    } else if (!(texture = statics.textures.Find(pattern, TextureKey(part)))) {
+        texture = pattern->AddTexture(part);
     }
-    if (CVdp1Texture* texture = statics.textures.Find(pattern, TextureKey(part))) {
+    if (texture) {
         statics.textures.Touch(texture, statics.walk);
         part.textureId = texture->id;
         part.uMax = pattern->uMax;
@@ -271,7 +275,7 @@ CVdp1Texture* CVdp1CharacterPattern::FileTexture(const CVdp1SpritePart& part, ui
     return statics.textures.Add(this, textures, key, id, texelBytes, statics.walk);
 }
 
-void CVdp1CharacterPattern::GenerateTexture(const CVdp1SpritePart& part) {
+CVdp1Texture* CVdp1CharacterPattern::GenerateTexture(const CVdp1SpritePart& part) {
     partColorCtrl = colorCtrl = part.colorCtrl;
     partEndCodeDisabled = part.endCodeDisabled;
     characterSize = static_cast<uint16_t>(part.characterSize);
@@ -309,8 +313,9 @@ void CVdp1CharacterPattern::GenerateTexture(const CVdp1SpritePart& part) {
     uint32_t id = 0;
     if (statics.renderer) statics.renderer->CreateVdp1Texture(textureHeight, textureWidth, texels, &id);
     texels = nullptr;
-    FileTexture(part, id, false);
+    CVdp1Texture* texture = FileTexture(part, id, false);
     MapInTable();
+    return texture;
 }
 
 void CVdp1CharacterPattern::MapInTable() {
@@ -331,8 +336,8 @@ void CVdp1CharacterPattern::MapInTable() {
     owner->mapped = true;
 }
 
-void CVdp1CharacterPattern::AddTexture(const CVdp1SpritePart& part) {
-    if (ReplacementTexturesEnabled()) return;
+CVdp1Texture* CVdp1CharacterPattern::AddTexture(const CVdp1SpritePart& part) {
+    if (ReplacementTexturesEnabled()) return nullptr;
     partColorCtrl = part.colorCtrl;
     partEndCodeDisabled = part.endCodeDisabled;
     PrepareTexels();
@@ -341,13 +346,12 @@ void CVdp1CharacterPattern::AddTexture(const CVdp1SpritePart& part) {
     uint32_t id = 0;
     if (statics.renderer) statics.renderer->CreateVdp1Texture(textureHeight, textureWidth, texels, &id);
     texels = nullptr;
-    FileTexture(part, id, true);
+    return FileTexture(part, id, true);
 }
 
 Vdp1PatternMatch CVdp1CharacterPattern::Compare(const CVdp1SpritePart& part) const {
     statics.log.Log("comparing pattern data\n");
-    if (characterSize != part.characterSize || startAddress != part.characterAddress ||
-        endAddress != part.characterAddress + dataSize || colorMode != part.colorMode) {
+    if (!HoldsCharacterOf(part)) {
         statics.log.Log("\tdifferent part\n");
         return kPatternOtherPart;
     }

@@ -95,8 +95,9 @@ public:
     // the walk are deleted with their textures.
     static void ReleaseRetiredPatterns();
 
-    void GenerateTexture(const CVdp1SpritePart& part);
-    void AddTexture(const CVdp1SpritePart& part);
+    // Each returns the texture it filed for the part's palette, or null.
+    CVdp1Texture* GenerateTexture(const CVdp1SpritePart& part);
+    CVdp1Texture* AddTexture(const CVdp1SpritePart& part);
     Vdp1PatternMatch Compare(const CVdp1SpritePart& part) const;
     uint32_t GetTextureId(const CVdp1SpritePart& part) const;
     bool FindReplacementTexture(const CVdp1SpritePart& part, Vdp1ReplacementTexture& found) const;
@@ -181,6 +182,8 @@ private:
     void MapInTable();
     void PrepareTexels();
     static uint32_t TextureKey(const CVdp1SpritePart& part);
+    // The part's character is this pattern: same address, size and mode.
+    bool HoldsCharacterOf(const CVdp1SpritePart& part) const;
     int VariantCount() const;
     // Out of the table at once, deleted once the frame is drawn.
     static void Retire(CVdp1CharacterPattern* pattern);
