@@ -2,6 +2,7 @@
 // sizes on one address, overlaps, invalidation down to the partial last unit,
 // the memory budget, replacement sets, and what the editor reads.
 #include <cstring>
+#include <string>
 #include <mutex>
 
 #include "vdp1/vdp1_character_pattern/vdp1_character_pattern.h"
@@ -187,11 +188,20 @@ TEST_F(Vdp1TextureBudgetTest, OldestTexturesGoFirstAndComeBackAsTheyWere) {
         EXPECT_LE(Pattern::TextureBytes(), 3 * kTexture);
     }
     EXPECT_EQ(Pattern::TextureCount(), 3);
-    // A frame that needs more than the budget keeps all it draws.
-    DrawSprites({Table(0, 0), Table(1, 20), Table(2, 40), Table(3, 60), Table(4, 80)});
-    for (uint16_t n = 0; n < 5; ++n) EXPECT_EQ(At(20 * n, 0), Shown(n)) << n;
-    EXPECT_EQ(Pattern::TextureCount(), 5);
-    DrawSprites({Table(5)});
+    // A frame that needs more than the budget keeps all it draws, up to
+    // twice the budget; new textures beyond are not made, once said.
+    testing::internal::CaptureStderr();
+    DrawSprites({Table(0, 0), Table(1, 20), Table(2, 40), Table(3, 60), Table(4, 80), Table(5, 100), Table(6, 120),
+                 Table(7, 140), Table(8, 160)});
+    DrawSprites({Table(9, 0), Table(10, 20), Table(11, 40), Table(12, 60), Table(13, 80), Table(14, 100),
+                 Table(15, 120)});
+    const std::string err = testing::internal::GetCapturedStderr();
+    for (uint16_t n = 9; n < 15; ++n) EXPECT_EQ(At(20 * (n - 9), 0), Shown(n)) << n;
+    EXPECT_EQ(At(120, 0), kNone);
+    EXPECT_EQ(Pattern::TextureCount(), 6);
+    EXPECT_EQ(err.find("need more than"), err.rfind("need more than")) << err;
+    EXPECT_NE(err.find("the sprites of one frame need more than 0 MiB of textures"), std::string::npos) << err;
+    DrawSprites({Table(0)});
     EXPECT_EQ(Pattern::TextureCount(), 3);
 }
 

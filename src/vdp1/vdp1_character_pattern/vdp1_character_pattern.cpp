@@ -100,7 +100,7 @@ void CVdp1CharacterPattern::InitializeStatics(CVdp1CharacterPattern** table, COp
     if (statics.texelBuffer.size() < 512u * 256u) statics.texelBuffer.resize(512u * 256u);
     statics.replacementTexturesEnabled.store(false, std::memory_order_release);
     statics.replacementTextures.clear();
-    statics.walk = 0;
+    statics.ceilingReported = false;
     patternCount.store(0, std::memory_order_relaxed);
     statics.log.SetUp("vdp1_character_pattern.log", false);
 }
@@ -159,7 +159,7 @@ int CVdp1CharacterPattern::VariantCount() const {
 
 void CVdp1CharacterPattern::BeginWalk() {
     ReleaseRetiredPatterns();
-    ++statics.walk;
+    statics.textures.BeginWalk();
 }
 
 CVdp1CharacterPattern* CVdp1CharacterPattern::UseTexture(CVdp1SpritePart& part) {
@@ -177,26 +177,29 @@ CVdp1CharacterPattern* CVdp1CharacterPattern::UseTexture(CVdp1SpritePart& part) 
     // What Compare decides, with one lookup of the texture.
     CVdp1CharacterPattern* pattern = group;
     while (pattern && !pattern->HoldsCharacterOf(part)) pattern = pattern->nextVariant;
-    CVdp1Texture* texture = nullptr;
-    if (!pattern) {
-        if (group && group->VariantCount() >= kMaxVariants) {
-            Retire(group);
-            group = nullptr;
+    CVdp1Texture* texture = pattern && pattern->textures ? statics.textures.Find(pattern, TextureKey(part)) : nullptr;
+    if (!texture) {
+        if (!RoomForAnotherTexture()) return pattern;
+        if (!pattern) {
+            if (group && group->VariantCount() >= kMaxVariants) {
+                Retire(group);
+                group = nullptr;
+            }
+            pattern = new CVdp1CharacterPattern;
+            if (group) {
+                pattern->primary = group;
+                pattern->nextVariant = group->nextVariant;
+                group->nextVariant = pattern;
+            }
+            texture = pattern->GenerateTexture(part);
+        } else if (!pattern->textures) {
+            texture = pattern->GenerateTexture(part);  // every texture was given back
+        } else {
+            texture = pattern->AddTexture(part);
         }
-        pattern = new CVdp1CharacterPattern;
-        if (group) {
-            pattern->primary = group;
-            pattern->nextVariant = group->nextVariant;
-            group->nextVariant = pattern;
-        }
-        texture = pattern->GenerateTexture(part);
-    } else if (!pattern->textures) {
-        texture = pattern->GenerateTexture(part);  // every texture was given back
-    } else if (!(texture = statics.textures.Find(pattern, TextureKey(part)))) {
-        texture = pattern->AddTexture(part);
     }
     if (texture) {
-        statics.textures.Touch(texture, statics.walk);
+        statics.textures.Touch(texture);
         part.textureId = texture->id;
         part.uMax = pattern->uMax;
         part.vMax = pattern->vMax;
@@ -205,11 +208,40 @@ CVdp1CharacterPattern* CVdp1CharacterPattern::UseTexture(CVdp1SpritePart& part) 
     return pattern;
 }
 
+bool CVdp1CharacterPattern::RoomForAnotherTexture() {
+    // A list whose one frame needs more than twice the budget is no game's:
+    // its further new textures are not made (those parts are not drawn), so
+    // that neither the frame's memory nor its decoding explodes.
+    if (statics.textures.WalkBytes() < 2 * statics.textures.Budget()) return true;
+    if (!statics.ceilingReported) {
+        statics.ceilingReported = true;
+        std::fprintf(stderr,
+                     "vdpgl: the sprites of one frame need more than %llu MiB of textures; those beyond are not "
+                     "drawn (VDPGL_TEXTURE_MEMORY_MB sets half of that)\n",
+                     static_cast<unsigned long long>(2 * statics.textures.Budget() >> 20));
+    }
+    return false;
+}
+
 void CVdp1CharacterPattern::Retire(CVdp1CharacterPattern* pattern) {
     pattern->Unmap();
-    for (CVdp1CharacterPattern* p = pattern; p; p = p->nextVariant)
-        for (CVdp1Texture* t = p->textures; t; t = t->nextOfPattern) statics.textures.Hold(t);
-    statics.retired.push_back(pattern);
+    // Only what this walk's parts draw with must outlive the table entry.
+    bool held = false;
+    for (CVdp1CharacterPattern* p = pattern; p; p = p->nextVariant) {
+        for (CVdp1Texture* t = p->textures, *next = nullptr; t; t = next) {
+            next = t->nextOfPattern;
+            if (t->lastUsedWalk == statics.textures.Walk()) {
+                statics.textures.Hold(t);
+                held = true;
+            } else {
+                p->DeleteTexture(t);
+            }
+        }
+    }
+    if (held)
+        statics.retired.push_back(pattern);
+    else
+        delete pattern;
 }
 
 void CVdp1CharacterPattern::ReleaseRetiredPatterns() {
@@ -221,7 +253,7 @@ void CVdp1CharacterPattern::GiveBackTextures() {
     CVdp1TextureStore& store = statics.textures;
     while (store.OverBudget()) {
         CVdp1Texture* texture = store.Oldest();
-        if (!texture || texture->lastUsedWalk == statics.walk) break;
+        if (!texture || texture->lastUsedWalk == statics.textures.Walk()) break;
         CVdp1CharacterPattern* pattern = texture->pattern;
         pattern->DeleteTexture(texture);
         if (!pattern->textures) DropIfEmpty(pattern);
@@ -272,7 +304,7 @@ CVdp1Texture* CVdp1CharacterPattern::FileTexture(const CVdp1SpritePart& part, ui
         statics.log.Log(adding ? "\tlutModeOpenglTextureIds.push_back\n" : "lutModeOpenglTextureIds[0x%X]=%d\n",
                         part.colorCtrl, id);
     const uint64_t texelBytes = uint64_t{4} * static_cast<uint64_t>(textureWidth) * static_cast<uint64_t>(textureHeight);
-    return statics.textures.Add(this, textures, key, id, texelBytes, statics.walk);
+    return statics.textures.Add(this, textures, key, id, texelBytes);
 }
 
 CVdp1Texture* CVdp1CharacterPattern::GenerateTexture(const CVdp1SpritePart& part) {

@@ -191,6 +191,8 @@ private:
     // The budget's turn: textures not used by the latest walk go, oldest
     // first, until the cache is within the budget again.
     static void GiveBackTextures();
+    // Whether the walk may have another new texture.
+    static bool RoomForAnotherTexture();
     void DeleteTexture(CVdp1Texture* texture);
     // A pattern left without textures goes too, unless it holds variants.
     static void DropIfEmpty(CVdp1CharacterPattern* pattern);
@@ -213,7 +215,7 @@ private:
         std::vector<uint32_t> texelBuffer;  // reused by every decode
         CVdp1TextureStore textures;
         std::vector<CVdp1CharacterPattern*> retired;
-        uint32_t walk = 0;
+        bool ceilingReported = false;
         CModuleLog log;
     };
     static Statics statics;

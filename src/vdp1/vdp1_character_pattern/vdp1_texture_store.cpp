@@ -3,13 +3,14 @@
 namespace vdpgl {
 
 CVdp1Texture* CVdp1TextureStore::Add(CVdp1CharacterPattern* pattern, CVdp1Texture*& patternTextures, uint32_t key,
-                                     uint32_t id, uint64_t texelBytes, uint32_t walk) {
+                                     uint32_t id, uint64_t texelBytes) {
     CVdp1Texture& texture = textures[{pattern, key}];
     texture = CVdp1Texture{};
     texture.id = id;
     texture.key = key;
     texture.bytes = texelBytes + kOverheadBytes;
     texture.lastUsedWalk = walk;
+    walkBytes += texture.bytes;
     texture.pattern = pattern;
     texture.nextOfPattern = patternTextures;
     if (patternTextures) patternTextures->previousOfPattern = &texture;
@@ -34,6 +35,7 @@ uint32_t CVdp1TextureStore::Remove(CVdp1Texture* texture, CVdp1Texture*& pattern
         patternTextures = texture->nextOfPattern;
     if (texture->nextOfPattern) texture->nextOfPattern->previousOfPattern = texture->previousOfPattern;
     const uint32_t id = texture->id;
+    if (texture->lastUsedWalk == walk) walkBytes -= texture->bytes;
     bytes.fetch_sub(texture->bytes, std::memory_order_relaxed);
     count.fetch_sub(1, std::memory_order_relaxed);
     textures.erase({texture->pattern, texture->key});

@@ -46,13 +46,24 @@ public:
         const auto it = textures.find({pattern, key});
         return it == textures.end() ? nullptr : const_cast<CVdp1Texture*>(&it->second);
     }
-    // A new texture of this pattern and key (there is none yet), the most
-    // recently used; patternTextures is the pattern's list head.
+    // A walk begins: what it uses from now on is its own.
+    void BeginWalk() {
+        ++walk;
+        walkBytes = 0;
+    }
+    uint32_t Walk() const { return walk; }
+    // Bytes of the textures the current walk uses.
+    uint64_t WalkBytes() const { return walkBytes; }
+    // A new texture of this pattern and key (there is none yet), used by
+    // the current walk; patternTextures is the pattern's list head.
     CVdp1Texture* Add(CVdp1CharacterPattern* pattern, CVdp1Texture*& patternTextures, uint32_t key, uint32_t id,
-                      uint64_t texelBytes, uint32_t walk);
-    // The texture was used by the walk of this number: it becomes the newest.
-    void Touch(CVdp1Texture* texture, uint32_t walk) {
-        texture->lastUsedWalk = walk;
+                      uint64_t texelBytes);
+    // The current walk uses the texture: it becomes the newest.
+    void Touch(CVdp1Texture* texture) {
+        if (texture->lastUsedWalk != walk) {
+            texture->lastUsedWalk = walk;
+            walkBytes += texture->bytes;
+        }
         if (texture->held || texture == newest) return;
         Unlink(texture);
         Append(texture);
@@ -90,6 +101,8 @@ private:
     std::unordered_map<Key, CVdp1Texture, KeyHash> textures;
     CVdp1Texture* oldest = nullptr;
     CVdp1Texture* newest = nullptr;
+    uint32_t walk = 0;
+    uint64_t walkBytes = 0;
     std::atomic<uint64_t> budget{kDefaultBudget};
     std::atomic<uint64_t> bytes{0};
     std::atomic<int> count{0};
