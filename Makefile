@@ -34,8 +34,6 @@ test-sanitize: deps
 	cmake --build $(BUILD)-asan -j $(JOBS)
 	ASAN_OPTIONS=detect_leaks=0 ctest --test-dir $(BUILD)-asan --output-on-failure -j $(JOBS)
 
-# Writes the demo traces and plays the sprite showcase (frames into
-# demo-frames/ while there is no display window).
 # The unit tests built with ThreadSanitizer: the threaded ones meet the
 # emulation thread as the editor and the control panel do.
 test-tsan: deps
@@ -43,7 +41,11 @@ test-tsan: deps
 	cmake --build $(BUILD)-tsan -j $(JOBS) --target vdpgl_unit_tests
 	$(BUILD)-tsan/tests/vdpgl_unit_tests --gtest_brief=1
 
-demo: build
+# Writes the demo traces and plays the sprite showcase (frames into
+# demo-frames/ while there is no display window). It builds only the plug-in
+# and the two tools it runs, not the test suite.
+demo: deps $(BUILD)/build.ninja
+	cmake --build $(BUILD) -j $(JOBS) --target vdpgl vdpgl-play vdpgl-scenes
 	@bash scripts/demo $(BUILD)
 
 clean:

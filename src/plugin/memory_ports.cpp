@@ -145,9 +145,9 @@ template <auto Work, vdpgl::trace::Port port, typename... Value>
 
 }  // namespace
 
-#define VDPGL_PORT(name, ...)                                                                          \
-    if (vdpgl::traceRecorder) [[unlikely]]                                                             \
-        return RecordThen<&work::name, vdpgl::trace::Port::name>(__VA_ARGS__);                         \
+#define VDPGL_PORT(name, ...)                                                  \
+    if (vdpgl::traceRecorder.load(std::memory_order_relaxed)) [[unlikely]]     \
+        return RecordThen<&work::name, vdpgl::trace::Port::name>(__VA_ARGS__); \
     return work::name(__VA_ARGS__)
 
 extern "C" {

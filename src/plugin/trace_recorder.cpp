@@ -2,12 +2,13 @@
 
 #include <cstdlib>
 #include <memory>
+#include <string>
 
 #include "platform/message_box.h"
 
 namespace vdpgl {
 
-CTraceRecorder* traceRecorder = nullptr;
+std::atomic<CTraceRecorder*> traceRecorder{nullptr};
 
 namespace {
 
@@ -20,7 +21,7 @@ std::unique_ptr<CTraceRecorder>& Instance() {
 }  // namespace
 
 CTraceRecorder* CTraceRecorder::StartFromEnvironment() {
-    if (traceRecorder) return traceRecorder;
+    if (CTraceRecorder* running = traceRecorder.load(std::memory_order_relaxed)) return running;
     static bool tried = false;
     const char* path = std::getenv("VDPGL_RECORD");
     if (tried || !path || !*path) return nullptr;
@@ -31,32 +32,57 @@ CTraceRecorder* CTraceRecorder::StartFromEnvironment() {
         return nullptr;
     }
     Instance() = std::move(recorder);
-    traceRecorder = Instance().get();
-    return traceRecorder;
+    // Release: a port that sees the pointer sees the recorder built.
+    traceRecorder.store(Instance().get(), std::memory_order_release);
+    return Instance().get();
 }
 
 void RecordPortCall(trace::Port port, uint32_t address, uint32_t value) {
-    if (CTraceRecorder* recorder = traceRecorder) recorder->Port(port, address, value);
+    if (CTraceRecorder* recorder = traceRecorder.load(std::memory_order_relaxed)) recorder->Port(port, address, value);
 }
 
 CTraceRecorder::~CTraceRecorder() {
-    if (traceRecorder == this) traceRecorder = nullptr;
-    std::lock_guard lock(mutex);
-    writer.Close();
+    CTraceRecorder* self = this;
+    traceRecorder.compare_exchange_strong(self, nullptr);
+    bool failedNow;
+    {
+        std::lock_guard lock(mutex);
+        failedNow = !stopped && !writer.Close();
+        stopped = true;
+    }
+    if (failedNow) platform::ShowMessageBox("Recording", writer.Error().c_str(), platform::MessageIcon::Error);
+}
+
+template <typename Write>
+void CTraceRecorder::Guarded(Write write) {
+    bool failedNow = false;
+    {
+        std::lock_guard lock(mutex);
+        write();
+        if (!stopped && writer.Failed()) {
+            stopped = failedNow = true;
+            traceRecorder.store(nullptr, std::memory_order_relaxed);
+        }
+    }
+    // Outside the lock: a message box may wait for the user.
+    if (failedNow) {
+        const std::string text = writer.Error() + "; recording stopped, emulation goes on";
+        platform::ShowMessageBox("Recording", text.c_str(), platform::MessageIcon::Error);
+    }
+}
+
+void CTraceRecorder::Port(trace::Port port, uint32_t address, uint32_t value) {
+    Guarded([&] { writer.WritePort(port, address, value); });
 }
 
 void CTraceRecorder::Event(trace::Event event) {
-    std::lock_guard lock(mutex);
-    writer.WriteEvent(event);
-    if (event == trace::Event::VDPOnVblankOut) writer.WriteFrame(frame++);
-    // A host may end the process without unloading the library: what was
-    // recorded up to a stop is on disk.
-    if (event == trace::Event::EmulationThreadStoping || event == trace::Event::DeInitPlugin) writer.Flush();
-}
-
-void CTraceRecorder::Flush() {
-    std::lock_guard lock(mutex);
-    writer.Flush();
+    Guarded([&] {
+        writer.WriteEvent(event);
+        if (event == trace::Event::VDPOnVblankOut) writer.WriteFrame(frame++);
+        // A host may end the process without unloading the library: what was
+        // recorded up to a stop is on disk.
+        if (event == trace::Event::EmulationThreadStoping || event == trace::Event::DeInitPlugin) writer.Flush();
+    });
 }
 
 }  // namespace vdpgl

@@ -3,7 +3,10 @@
 // vdpgl-play. With VDPGL_RECORD=<file> in the environment the first
 // InitVDPPlugin opens the file and every later export call is written to it;
 // the trace is closed when the library is unloaded. Without it the recorder
-// pointer stays null and each port pays one predictable branch.
+// pointer stays null and each port pays one load and one predictable branch.
+// A recording that cannot be written is reported once and stops; emulation
+// goes on.
+#include <atomic>
 #include <cstdint>
 #include <mutex>
 
@@ -20,29 +23,36 @@ public:
     CTraceRecorder(const CTraceRecorder&) = delete;
     CTraceRecorder& operator=(const CTraceRecorder&) = delete;
 
-    void Port(trace::Port port, uint32_t address, uint32_t value = 0) {
-        std::lock_guard lock(mutex);
-        writer.WritePort(port, address, value);
-    }
+    void Port(trace::Port port, uint32_t address, uint32_t value = 0);
     void Event(trace::Event event);
-    void Flush();
 
 private:
     CTraceRecorder() = default;
+    // Runs a write under the lock. On the writer's first failure it takes
+    // the recorder off the ports and events and tells the user, once.
+    template <typename Write>
+    void Guarded(Write write);
+
     std::mutex mutex;  // ports and events may come from different threads
     trace::CTraceWriter writer;
     uint32_t frame = 0;
+    bool stopped = false;
 };
 
-// Read on every port call; set once, by the first InitVDPPlugin.
-extern CTraceRecorder* traceRecorder;
+// Read on every port call and event, with relaxed loads (a plain load); set
+// by the first InitVDPPlugin and cleared when recording stops. The recorder
+// it points at lives until the library is unloaded, so a thread that loaded
+// the pointer before the stop still reaches a live object (which then
+// records nothing).
+extern std::atomic<CTraceRecorder*> traceRecorder;
 
 // The recording of one port call (the ports reach it off their own path).
 void RecordPortCall(trace::Port port, uint32_t address, uint32_t value = 0);
 
 }  // namespace vdpgl
 
-#define VDPGL_RECORD_EVENT(name)                                                        \
-    do {                                                                                \
-        if (::vdpgl::traceRecorder) ::vdpgl::traceRecorder->Event(::vdpgl::trace::Event::name); \
+#define VDPGL_RECORD_EVENT(name)                                                                      \
+    do {                                                                                              \
+        if (::vdpgl::CTraceRecorder* r_ = ::vdpgl::traceRecorder.load(std::memory_order_relaxed))    \
+            r_->Event(::vdpgl::trace::Event::name);                                                   \
     } while (0)

@@ -1,5 +1,6 @@
 #include "trace/trace_reader.h"
 
+#include <sys/stat.h>
 #include <zlib.h>
 
 #include <cerrno>
@@ -23,55 +24,78 @@ bool IsEvent(uint8_t op) {
 }  // namespace
 
 CTraceReader::~CTraceReader() {
-    if (file) std::fclose(file);
+    if (file && ownsFile) std::fclose(file);
 }
 
 CTraceReader::Status CTraceReader::Fail(uint64_t offset, const std::string& what) {
     failed = true;
-    error = "\"" + path + "\" at byte " + std::to_string(offset) + ": " + what;
+    error = name + " at byte " + std::to_string(offset) + ": " + what;
     return Status::Error;
 }
 
-bool CTraceReader::Open(const std::string& filePath) {
-    path = filePath;
-    file = std::fopen(path.c_str(), "rb");
+size_t CTraceReader::Read(void* into, size_t size) {
+    const size_t got = std::fread(into, 1, size, file);
+    consumed += got;
+    return got;
+}
+
+bool CTraceReader::Open(const std::string& path) {
+    if (path == "-") {
+        name = "standard input";
+        file = stdin;
+    } else {
+        name = "\"" + path + "\"";
+        file = std::fopen(path.c_str(), "rb");
+        ownsFile = file != nullptr;
+    }
     if (!file) {
-        error = "cannot open the trace \"" + path + "\": " + std::strerror(errno);
+        error = "cannot open the trace " + name + ": " + std::strerror(errno);
         return false;
     }
-    std::fseek(file, 0, SEEK_END);
-    fileSize = static_cast<uint64_t>(std::ftell(file));
-    std::fseek(file, 0, SEEK_SET);
+    struct stat status {};
+    if (fstat(fileno(file), &status) == 0) {
+        device = status.st_dev;
+        inode = status.st_ino;
+        if (S_ISREG(status.st_mode)) fileSize = static_cast<uint64_t>(status.st_size);
+    }
     uint8_t header[kHeaderSize];
-    if (std::fread(header, 1, sizeof header, file) != sizeof header || std::memcmp(header, kMagic, sizeof kMagic) != 0) {
-        error = "\"" + path + "\" is not a vdpgl trace (its header is missing or wrong)";
+    if (Read(header, sizeof header) != sizeof header || std::memcmp(header, kMagic, sizeof kMagic) != 0) {
+        error = name + " is not a vdpgl trace (its header is missing or wrong)";
         return false;
     }
     const uint16_t version = Little16(header + 8), headerSize = Little16(header + 10);
     if (version != kVersion) {
-        error = "\"" + path + "\" is a trace of version " + std::to_string(version) + "; this build reads version " +
+        error = name + " is a trace of version " + std::to_string(version) + "; this build reads version " +
                 std::to_string(kVersion);
         return false;
     }
-    if (headerSize < kHeaderSize || headerSize > fileSize) {
-        error = "\"" + path + "\" has a damaged header";
+    // Fields of a later minor revision, skipped.
+    std::vector<uint8_t> rest(headerSize > kHeaderSize ? headerSize - kHeaderSize : 0);
+    if (headerSize < kHeaderSize || Read(rest.data(), rest.size()) != rest.size()) {
+        error = name + " has a damaged header";
         return false;
     }
-    nextBlock = headerSize;
+    blockOffset = consumed;
     block.reserve(64 * 1024);
     return true;
 }
 
+bool CTraceReader::IsSameFile(const std::string& other) const {
+    struct stat status {};
+    return file && stat(other.c_str(), &status) == 0 && status.st_dev == device && status.st_ino == inode;
+}
+
 bool CTraceReader::LoadBlock(Status& status) {
-    const uint64_t at = nextBlock;
-    if (at == fileSize) {
+    const uint64_t at = consumed;
+    uint8_t header[kBlockHeaderSize];
+    const size_t got = Read(header, sizeof header);
+    if (got == 0 && !std::ferror(file)) {
         status = Status::End;  // stopped cleanly between blocks
         return false;
     }
-    uint8_t header[kBlockHeaderSize];
-    if (std::fseek(file, static_cast<long>(at), SEEK_SET) != 0 ||
-        std::fread(header, 1, sizeof header, file) != sizeof header) {
-        status = Fail(at, "the trace is cut off inside a block header");
+    if (got != sizeof header) {
+        status = Fail(at, std::ferror(file) ? std::string("the trace cannot be read: ") + std::strerror(errno)
+                                            : "the trace is cut off inside a block header");
         return false;
     }
     const uint32_t length = Little32(header), crc = Little32(header + 4);
@@ -79,14 +103,11 @@ bool CTraceReader::LoadBlock(Status& status) {
         status = Fail(at, "a block of " + std::to_string(length) + " bytes is not possible: the trace is damaged");
         return false;
     }
-    if (at + kBlockHeaderSize + length > fileSize) {
-        status = Fail(at, "the trace is cut off: the block needs " + std::to_string(length) + " bytes, " +
-                              std::to_string(fileSize - at - kBlockHeaderSize) + " are left");
-        return false;
-    }
     block.resize(length);
-    if (std::fread(block.data(), 1, length, file) != length) {
-        status = Fail(at, "the block cannot be read");
+    if (const size_t have = Read(block.data(), length); have != length) {
+        status = Fail(at, std::ferror(file) ? std::string("the trace cannot be read: ") + std::strerror(errno)
+                                            : "the trace is cut off: the block needs " + std::to_string(length) +
+                                                  " bytes, " + std::to_string(have) + " are left");
         return false;
     }
     if (static_cast<uint32_t>(crc32(crc32(0L, Z_NULL, 0), block.data(), length)) != crc) {
@@ -94,9 +115,16 @@ bool CTraceReader::LoadBlock(Status& status) {
         return false;
     }
     blockOffset = at + kBlockHeaderSize;
-    nextBlock = blockOffset + length;
     position = 0;
     return true;
+}
+
+// The rest of the End record's block, and whatever the input still holds
+// (read to its end, so that a pipe's writer is never cut off).
+void CTraceReader::CountTrailing() {
+    trailing = block.size() - position;
+    uint8_t chunk[16 * 1024];
+    while (const size_t got = std::fread(chunk, 1, sizeof chunk, file)) trailing += got;
 }
 
 CTraceReader::Status CTraceReader::Next(Record& record) {
@@ -140,6 +168,7 @@ CTraceReader::Status CTraceReader::Next(Record& record) {
         position += 1;
         if (record.event == Event::End) {
             sawEnd = true;
+            CountTrailing();
             return Status::End;
         }
         return Status::Record;

@@ -35,10 +35,7 @@ bool CTraceWriter::Open(const std::string& filePath) {
     Little16(header + 8, kVersion);
     Little16(header + 10, kHeaderSize);
     Little32(header + 12, 0);  // flags, none defined
-    if (std::fwrite(header, 1, sizeof header, file) != sizeof header) {
-        error = "cannot write the trace \"" + path + "\": " + std::strerror(errno);
-        failed = true;
-    }
+    if (std::fwrite(header, 1, sizeof header, file) != sizeof header) GiveUp();
     return !failed;
 }
 
@@ -69,18 +66,23 @@ void CTraceWriter::WriteFrame(uint32_t frame) {
 
 void CTraceWriter::Flush() {
     if (!file) return;
-    if (size == 0) {
-        std::fflush(file);
-        return;
+    if (size > 0) {
+        uint8_t header[kBlockHeaderSize];
+        Little32(header, size);
+        Little32(header + 4, static_cast<uint32_t>(crc32(crc32(0L, Z_NULL, 0), block, size)));
+        if (std::fwrite(header, 1, sizeof header, file) != sizeof header || std::fwrite(block, 1, size, file) != size)
+            return GiveUp();
+        size = 0;
     }
-    uint8_t header[kBlockHeaderSize];
-    Little32(header, size);
-    Little32(header + 4, static_cast<uint32_t>(crc32(crc32(0L, Z_NULL, 0), block, size)));
-    if (std::fwrite(header, 1, sizeof header, file) != sizeof header || std::fwrite(block, 1, size, file) != size) {
-        if (!failed) error = "cannot write the trace \"" + path + "\": " + std::strerror(errno);
-        failed = true;
-    }
-    std::fflush(file);  // a block on disk survives the process
+    // A block on disk survives the process; a full disk often shows only here.
+    if (std::fflush(file) != 0) GiveUp();
+}
+
+void CTraceWriter::GiveUp() {
+    error = "cannot write the trace \"" + path + "\": " + std::strerror(errno);
+    failed = true;
+    std::fclose(file);
+    file = nullptr;
     size = 0;
 }
 
@@ -88,7 +90,7 @@ bool CTraceWriter::Close() {
     if (!file) return !failed;
     WriteEvent(Event::End);
     Flush();
-    if (std::fclose(file) != 0 && !failed) {
+    if (file && std::fclose(file) != 0) {
         error = "cannot finish the trace \"" + path + "\": " + std::strerror(errno);
         failed = true;
     }

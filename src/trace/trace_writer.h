@@ -1,6 +1,8 @@
 #pragma once
 // CTraceWriter: writes a trace as the format describes, records gathered in
 // a block and written with its CRC when the block is full or a frame ends.
+// The first write that fails closes the file: later calls do nothing, and
+// Failed() and Error() say what went wrong.
 #include <cstdint>
 #include <cstdio>
 #include <string>
@@ -20,17 +22,21 @@ public:
     // returns false and leaves a message naming the file and the reason.
     bool Open(const std::string& path);
     bool IsOpen() const { return file != nullptr; }
+    bool Failed() const { return failed; }
     const std::string& Error() const { return error; }
 
     void WritePort(Port port, uint32_t address, uint32_t value = 0);
     void WriteEvent(Event event);
     // The frame boundary; the block so far goes to the file.
     void WriteFrame(uint32_t frame);
+    // Writes the block so far and flushes the file.
     void Flush();
     // Writes the end record and closes; false if anything failed on the way.
     bool Close();
 
 private:
+    // Closes the file after a failed write; errno says why.
+    void GiveUp();
     static constexpr uint32_t kBlockTarget = 64 * 1024;
     static constexpr uint32_t kLargestRecord = 1 + 4 + 4;
 

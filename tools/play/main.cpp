@@ -64,6 +64,15 @@ int main(int argc, char** argv) {
             return kFailed;
         }
     }
+    // The plug-in opens VDPGL_RECORD with "wb" when it starts: naming the
+    // trace being played, it would empty the file under the reader.
+    if (const char* record = std::getenv("VDPGL_RECORD"); record && *record && reader.IsSameFile(record)) {
+        std::fprintf(stderr,
+                     "vdpgl-play: not recording: VDPGL_RECORD names the trace being played (\"%s\"), which "
+                     "recording would overwrite\n",
+                     record);
+        unsetenv("VDPGL_RECORD");
+    }
     // The plug-in reads these when it starts.
     if (options->headless) setenv("VDPGL_HEADLESS", "1", 1);
     if (options->scaleGiven) setenv("VDPGL_SCALE", std::to_string(options->scale).c_str(), 1);
@@ -84,7 +93,10 @@ int main(int argc, char** argv) {
             const auto now = std::chrono::steady_clock::now();
             if (now - lastProgress < std::chrono::milliseconds(100)) return;
             lastProgress = now;
-            std::fprintf(stderr, "\rframe %ld, %3.0f%% of the trace", frames, done * 100.0);
+            if (done < 0)  // a pipe: its size is unknown
+                std::fprintf(stderr, "\rframe %ld", frames);
+            else
+                std::fprintf(stderr, "\rframe %ld, %3.0f%% of the trace", frames, done * 100.0);
         };
     }
     // The host's emulation thread: every call of the replay comes from it.
@@ -101,6 +113,10 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "vdpgl-play: %s\n", result.error.c_str());
         return kFailed;
     }
+    if (reader.TrailingBytes())
+        std::fprintf(stderr, "vdpgl-play: warning: %llu bytes follow the trace's end record, from byte %llu on (ignored)\n",
+                     static_cast<unsigned long long>(reader.TrailingBytes()),
+                     static_cast<unsigned long long>(reader.TrailingOffset()));
     if (!result.complete && options->frames < 0)
         std::fprintf(stderr, "vdpgl-play: note: the trace has no end record (its recording was cut short)\n");
     return kOk;

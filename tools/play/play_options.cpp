@@ -9,6 +9,7 @@ namespace vdpgl::play {
 std::string Usage() {
     return "usage: vdpgl-play [options] TRACE\n"
            "Replays a trace through the plug-in's exports, as a host would.\n"
+           "TRACE may be a pipe; \"-\" reads it from standard input.\n"
            "  --plugin PATH       the plug-in to load (default: libvdpgl.so beside vdpgl-play)\n"
            "  --headless          render offscreen even when a display is there\n"
            "  --frames N          stop after N frames\n"

@@ -86,7 +86,7 @@ bool CTracePlayer::EndFrame(PlayResult& result) {
     frameStart = now;
     if (onFrame) {
         const double size = static_cast<double>(reader.FileSize());
-        onFrame(result.frames, size > 0 ? static_cast<double>(reader.Position()) / size : 1.0);
+        onFrame(result.frames, size > 0 ? static_cast<double>(reader.Position()) / size : -1.0);
     }
     return settings.frames < 0 || result.frames < settings.frames;
 }

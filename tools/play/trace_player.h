@@ -35,7 +35,7 @@ public:
         : x(exports), reader(reader), settings(std::move(settings)) {}
 
     // Called after each frame with the frames so far and the share of the
-    // file read (0 to 1).
+    // file read (0 to 1; -1 when the size is unknown, as for a pipe).
     std::function<void(long frames, double done)> onFrame;
 
     PlayResult Play();
