@@ -36,12 +36,15 @@ test-sanitize: deps
 
 # The whole suite built with coverage instrumentation (-O0) in its own build
 # directory; prints the line and branch coverage of src/ (tests and tools are
-# not counted). Counts of an earlier run are cleared first.
+# not counted). Counts of an earlier run, and the notes of objects whose
+# source is gone, are cleared first.
 coverage: deps
 	cmake -S . -B $(BUILD)-coverage -G Ninja -DCMAKE_BUILD_TYPE=Debug \
 	  -DCMAKE_C_FLAGS="--coverage -O0" -DCMAKE_CXX_FLAGS="--coverage -O0" \
 	  -DCMAKE_EXE_LINKER_FLAGS=--coverage -DCMAKE_SHARED_LINKER_FLAGS=--coverage
 	cmake --build $(BUILD)-coverage -j $(JOBS)
+	ninja -C $(BUILD)-coverage -t cleandead > /dev/null
+	find $(BUILD)-coverage -name '*.gcno' | while read -r n; do [ -e "$${n%.gcno}.o" ] || rm -f "$$n"; done
 	find $(BUILD)-coverage -name '*.gcda' -delete
 	ctest --test-dir $(BUILD)-coverage --output-on-failure -j $(JOBS)
 	gcovr --root . --filter 'src/' --print-summary $(BUILD)-coverage
