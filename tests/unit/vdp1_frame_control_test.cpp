@@ -3,13 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <memory>
 
-#include "render/opengl/opengl.h"
-#include "temp_dir.h"
-#include "vdp1/vdp1.h"
-#include "vdp1/vdp1_registers.h"
-#include "vdp2/vdp2.h"
+#include "vdp_test.h"
 
 namespace vdpgl {
 
@@ -22,47 +17,31 @@ namespace {
 
 using namespace vdp1reg;
 
-constexpr Vdp1FrameActions kNothing{false, false, false};
-constexpr Vdp1FrameActions kDraw{true, false, false};
-constexpr Vdp1FrameActions kSwap{false, true, false};
-constexpr Vdp1FrameActions kErase{false, false, true};
-constexpr Vdp1FrameActions kDrawSwap{true, true, false};
-constexpr Vdp1FrameActions kSwapErase{false, true, true};
-constexpr Vdp1FrameActions kDrawSwapErase{true, true, true};
+constexpr Vdp1FrameActions kNothing{false, false, false}, kDraw{true, false, false}, kSwap{false, true, false},
+    kErase{false, false, true}, kDrawSwap{true, true, false}, kSwapErase{false, true, true},
+    kDrawSwapErase{true, true, true};
 
-class Vdp1FrameControlTest : public ::testing::Test {
+class Vdp1FrameControlTest : public test::VdpTest {
 protected:
-    Vdp1FrameControlTest() { vdp1->Link(*vdp2); }
-
     // Enters a pattern at table entries [first, first + count).
     CVdp1CharacterPattern* AddPattern(uint32_t first, uint32_t count) {
         auto* p = new CVdp1CharacterPattern;
         for (uint32_t i = first; i < first + count; ++i) vdp1->characterPatterns[i] = p;
         return p;
     }
-
-    // First, so that the objects below are built (and delete old logs) inside it.
-    test::ScopedTempDir tempDir;
-    std::unique_ptr<COpenGl> renderer = std::make_unique<COpenGl>(nullptr);
-    std::unique_ptr<CVdp1> vdp1 = std::make_unique<CVdp1>(*renderer);
-    std::unique_ptr<CVdp2> vdp2 = std::make_unique<CVdp2>(*renderer);
 };
 
 TEST_F(Vdp1FrameControlTest, RequestedCacheClearRunsAtTheNextFrameOnly) {
-    // Construction resets VDP1, which asks for a clear.
     const int before = CVdp1CharacterPattern::PatternCount();
     AddPattern(0x10, 4);
     AddPattern(0x200, 1);
-    vdp1->FrameControl();
+    vdp1->FrameControl();  // construction resets VDP1, which asks for a clear
     EXPECT_EQ(CVdp1CharacterPattern::PatternCount(), before);
     EXPECT_EQ(vdp1->GetPattern(0x80), nullptr);
-    EXPECT_FALSE(vdp1->clearCacheRequested);
 
     CVdp1CharacterPattern* kept = AddPattern(0x10, 4);
     vdp1->FrameControl();
     EXPECT_EQ(vdp1->GetPattern(0x98), kept);
-    EXPECT_EQ(CVdp1CharacterPattern::PatternCount(), before + 1);
-
     vdp1->RequestCacheClear();
     vdp1->FrameControl();
     EXPECT_EQ(vdp1->GetPattern(0x98), nullptr);
@@ -76,15 +55,12 @@ TEST_F(Vdp1FrameControlTest, Vdp2DoublingScalesVdp1UnlessVdp1AlreadyDoubles) {
         int32_t xScale, yScale;
     };
     const Case cases[] = {
-        {false, false, 0x0, 0x0, 1, 1},
-        {true, false, 0x0, 0x0, 2, 2},
-        {false, true, 0x0, 0x0, 2, 2},
+        {false, false, 0x0, 0x0, 1, 1}, {true, false, 0x0, 0x0, 2, 2}, {false, true, 0x0, 0x0, 2, 2},
         {true, true, 0x2, 0x0, 2, 2},
         {true, false, 0x0, 0x8, 1, 2},  // VDP1 double interlace: its own yScale
         {false, true, 0x1, 0x0, 1, 2},  // VDP1 high resolution, single interlace
         {true, false, 0x1, 0x8, 1, 1},  // high resolution and double interlace
-        {false, false, 0x0, 0xC, 1, 2},
-        {false, false, 0x1, 0x0, 1, 2},
+        {false, false, 0x0, 0xC, 1, 2}, {false, false, 0x1, 0x0, 1, 2},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(testing::Message() << "interlaced=" << c.interlaced << " verticalDoubled=" << c.verticalDoubled
@@ -103,7 +79,6 @@ TEST_F(Vdp1FrameControlTest, Vdp2DoublingScalesVdp1UnlessVdp1AlreadyDoubles) {
 TEST_F(Vdp1FrameControlTest, ScalesReturnToVdp1sOwnWhenVdp2StopsDoubling) {
     vdp2->interlaced = true;
     vdp1->FrameControl();
-    ASSERT_EQ(vdp1->xScale, 2);
     ASSERT_EQ(vdp1->yScale, 2);
     vdp2->interlaced = false;
     vdp1->FrameControl();
@@ -132,9 +107,12 @@ TEST_F(Vdp1FrameControlTest, ModesGiveTheirActionsFrameAfterFrame) {
         {"one cycle, invalid drawing mode", 0x0, 3, 0x0, kSwapErase, kSwapErase},
         {"manual change, automatic drawing", 0x0, 2, 0x3, kDrawSwap, kNothing},
         {"manual change, idle", 0x0, 0, 0x3, kSwap, kNothing},
+        {"manual change, draw once", 0x0, 1, 0x3, kDrawSwap, kNothing},
         {"manual erase, automatic drawing", 0x0, 2, 0x2, kErase, kNothing},
         {"manual erase and change, automatic drawing", 0x8, 2, 0x3, kDrawSwapErase, kNothing},
         {"manual erase and change, draw once", 0x8, 1, 0x3, kDrawSwapErase, kNothing},
+        {"manual erase and change, invalid drawing mode", 0x8, 3, 0x3, kSwapErase, kNothing},
+        {"only PTMR's low two bits count", 0x8, 6, 0x3, kDrawSwapErase, kNothing},
         {"change mode 1 is invalid", 0x0, 2, 0x1, kNothing, kNothing},
         {"VBE with change mode 0 is invalid", 0x8, 2, 0x0, kNothing, kNothing},
         {"VBE with change mode 1 is invalid", 0x8, 2, 0x1, kNothing, kNothing},
@@ -154,39 +132,36 @@ TEST_F(Vdp1FrameControlTest, ModesGiveTheirActionsFrameAfterFrame) {
     }
 }
 
-TEST_F(Vdp1FrameControlTest, EachPtmrOneWriteDrawsExactlyOnce) {
+TEST_F(Vdp1FrameControlTest, EachPtmrOneWriteDrawsExactlyOnceAndResetDropsIt) {
     vdp1->WriteRegister(TVMR, TVMR_VBE);
     vdp1->WriteRegister(FBCR, 0x0);  // invalid with VBE: no change, no erase
     EXPECT_EQ(vdp1->FrameControl(), kNothing);
     vdp1->WriteRegister(PTMR, 0x1);
     EXPECT_EQ(vdp1->FrameControl(), kDraw);
     EXPECT_EQ(vdp1->FrameControl(), kNothing);
-    // Two writes within one frame still give one draw.
-    vdp1->WriteRegister(PTMR, 0x1);
+    vdp1->WriteRegister(PTMR, 0x1);  // two writes within one frame still give one draw
     vdp1->WriteRegister(PTMR, 0x1);
     EXPECT_EQ(vdp1->FrameControl(), kDraw);
+    EXPECT_EQ(vdp1->FrameControl(), kNothing);
+    vdp1->WriteRegister(PTMR, 0x1);
+    vdp1->WriteRegister(FBCR, 0x3);
+    vdp1->Reset();
     EXPECT_EQ(vdp1->FrameControl(), kNothing);
 }
 
 TEST_F(Vdp1FrameControlTest, ManualChangeDrawsWhenPtmrIsAutomaticAtEitherTime) {
-    vdp1->WriteRegister(TVMR, 0x0);
     // PTMR automatic when FBCR is written: the draw is requested by the
     // write and kept even if PTMR changes before the V-blank out.
     vdp1->WriteRegister(PTMR, 0x2);
     vdp1->WriteRegister(FBCR, 0x3);
     vdp1->WriteRegister(PTMR, 0x0);
     EXPECT_EQ(vdp1->FrameControl(), kDrawSwap);
-
     // PTMR made automatic after the FBCR write: the V-blank out draws
     // because a change is due.
     vdp1->WriteRegister(FBCR, 0x3);
     vdp1->WriteRegister(PTMR, 0x2);
     EXPECT_EQ(vdp1->FrameControl(), kDrawSwap);
     EXPECT_EQ(vdp1->FrameControl(), kNothing);
-
-    // A manual erase alone is no reason to draw.
-    vdp1->WriteRegister(FBCR, 0x2);
-    EXPECT_EQ(vdp1->FrameControl(), kErase);
 }
 
 TEST_F(Vdp1FrameControlTest, OneCycleModeDependsOnTheStoredRegistersAtVblankOut) {
@@ -197,39 +172,18 @@ TEST_F(Vdp1FrameControlTest, OneCycleModeDependsOnTheStoredRegistersAtVblankOut)
     EXPECT_EQ(vdp1->FrameControl(), kNothing);
     vdp1->WriteRegister(TVMR, 0x0);
     EXPECT_EQ(vdp1->FrameControl(), kSwapErase);
-    // The interlace bits do not leave one-cycle mode.
-    vdp1->WriteRegister(FBCR, 0x8);
+    vdp1->WriteRegister(FBCR, 0x8);  // the interlace bits do not leave one-cycle mode
     EXPECT_EQ(vdp1->FrameControl(), kSwapErase);
     vdp1->WriteRegister(TVMR, TVMR_VBE);
     EXPECT_EQ(vdp1->FrameControl(), kNothing);
 }
 
-TEST_F(Vdp1FrameControlTest, ResetDropsPendingRequests) {
-    vdp1->WriteRegister(TVMR, TVMR_VBE);
-    vdp1->WriteRegister(PTMR, 0x1);
-    vdp1->WriteRegister(FBCR, 0x3);
-    vdp1->Reset();
-    EXPECT_EQ(vdp1->FrameControl(), kNothing);
-}
-
-TEST_F(Vdp1FrameControlTest, PartKindsAreSwitchedIndividually) {
-    for (int kind = 0; kind < kPartKindCount; ++kind) EXPECT_TRUE(vdp1->IsPartEnabled(kind)) << kind;
-    for (int kind = 0; kind < kPartKindCount; ++kind) {
-        SCOPED_TRACE(kind);
-        vdp1->SetPartEnabled(kind, false);
-        for (int other = 0; other < kPartKindCount; ++other)
-            EXPECT_EQ(vdp1->IsPartEnabled(other), other != kind) << "kind " << other;
-        vdp1->SetPartEnabled(kind, true);
-        EXPECT_TRUE(vdp1->IsPartEnabled(kind));
-    }
-    // A kind out of range touches none of the six.
+TEST_F(Vdp1FrameControlTest, PartKindSwitchesOutOfRangeTouchNone) {
     vdp1->SetPartEnabled(-1, false);
     vdp1->SetPartEnabled(kPartKindCount, false);
     for (int kind = 0; kind < kPartKindCount; ++kind) EXPECT_TRUE(vdp1->IsPartEnabled(kind)) << kind;
-    // The switches survive a reset.
-    vdp1->SetPartEnabled(kPolyline, false);
-    vdp1->Reset();
-    EXPECT_FALSE(vdp1->IsPartEnabled(kPolyline));
+    EXPECT_FALSE(vdp1->IsPartEnabled(-1));
+    EXPECT_FALSE(vdp1->IsPartEnabled(kPartKindCount));
 }
 
 }  // namespace

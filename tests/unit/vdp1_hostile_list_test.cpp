@@ -4,25 +4,16 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <memory>
 #include <random>
 
-#include "render/opengl/opengl.h"
-#include "temp_dir.h"
-#include "vdp1/vdp1.h"
-#include "vdp1/vdp1_registers.h"
-#include "vdp2/vdp2.h"
+#include "vdp_test.h"
 
 namespace vdpgl {
 namespace {
 
-TEST(Vdp1HostileListTest, RandomVramAndRegistersAreWalkedSafely) {
-    test::ScopedTempDir dir;
-    COpenGl renderer(nullptr);
-    auto vdp1 = std::make_unique<CVdp1>(renderer);
-    auto vdp2 = std::make_unique<CVdp2>(renderer);
-    vdp1->Link(*vdp2);
-    vdp2->Link(*vdp1);
+using Vdp1HostileListTest = test::VdpTest;
+
+TEST_F(Vdp1HostileListTest, RandomVramAndRegistersAreWalkedSafely) {
     size_t totalParts = 0;
     for (uint32_t seed : {1u, 2u, 3u}) {
         SCOPED_TRACE(seed);
