@@ -2,34 +2,22 @@
 // frames and changes VRAM, the editor reads the cached patterns under the
 // cache lock, the control panel flips part switches and asks for cache
 // clears. Run under ThreadSanitizer by `make test-tsan`.
-#include <gtest/gtest.h>
-
 #include <atomic>
 #include <chrono>
 #include <cstring>
-#include <memory>
 #include <mutex>
 #include <thread>
 
-#include "render/opengl/opengl.h"
 #include "support/vdp1_commands.h"
-#include "temp_dir.h"
-#include "vdp1/vdp1.h"
-#include "vdp1/vdp1_registers.h"
-#include "vdp2/vdp2.h"
+#include "vdp_test.h"
 
 namespace vdpgl {
 namespace {
 
 using namespace test;
+using Vdp1CacheThreadsTest = VdpTest;
 
-TEST(Vdp1CacheThreadsTest, EditorAndPanelMeetTheEmulationThreadSafely) {
-    ScopedTempDir dir;
-    COpenGl renderer(nullptr);
-    auto vdp1 = std::make_unique<CVdp1>(renderer);
-    auto vdp2 = std::make_unique<CVdp2>(renderer);
-    vdp1->Link(*vdp2);
-    vdp2->Link(*vdp1);
+TEST_F(Vdp1CacheThreadsTest, EditorAndPanelMeetTheEmulationThreadSafely) {
     const WordWriter vram = [&](uint32_t a, uint16_t v) { vdp1->WriteVramWord(a, v); };
     // Eight 16 x 8 sprites over four patterns, two palettes each.
     for (uint32_t a = 0x4000; a < 0x4000 + 4 * 0x100; a += 2) vram(a, static_cast<uint16_t>(a * 37));

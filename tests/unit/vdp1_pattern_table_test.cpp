@@ -1,24 +1,17 @@
 // The table of cached VDP1 patterns as the VRAM ports, the purge, the clear
 // and the editor's listing meet it, with patterns entered by hand.
-#include <gtest/gtest.h>
-
 #include <cstdint>
-#include <memory>
 #include <vector>
 
-#include "render/opengl/opengl.h"
-#include "temp_dir.h"
-#include "vdp1/vdp1.h"
-#include "vdp2/vdp2.h"
+#include "vdp_test.h"
 
 namespace vdpgl {
 namespace {
 
 using Patterns = std::vector<CVdp1CharacterPattern*>;
 
-class Vdp1PatternTableTest : public ::testing::Test {
+class Vdp1PatternTableTest : public test::VdpTest {
 protected:
-    Vdp1PatternTableTest() { vdp1->Link(*vdp2); }
     // A pattern at table entries [first, first + count), as the cache maps one.
     CVdp1CharacterPattern* AddPattern(uint32_t first, uint32_t count) {
         auto* p = new CVdp1CharacterPattern;
@@ -27,11 +20,6 @@ protected:
         for (uint32_t i = first; i < first + count; ++i) vdp1->characterPatterns[i & 0xFFFF] = p;
         return p;
     }
-
-    test::ScopedTempDir tempDir;  // first: the objects delete their old logs here
-    std::unique_ptr<COpenGl> renderer = std::make_unique<COpenGl>(nullptr);
-    std::unique_ptr<CVdp1> vdp1 = std::make_unique<CVdp1>(*renderer);
-    std::unique_ptr<CVdp2> vdp2 = std::make_unique<CVdp2>(*renderer);
 };
 
 TEST_F(Vdp1PatternTableTest, AChangedValueMarksOnlyThePatternOfItsUnit) {
