@@ -269,6 +269,7 @@ void CVdp1::PurgeModifiedPatterns() {
     CVdp1CharacterPattern::ReleaseRetiredPatterns();
     DeleteTableEntriesWhere(characterPatterns, kPatternTableSize, doomedPatterns,
                             [](const CVdp1CharacterPattern* p) { return p->modified.load(std::memory_order_relaxed); });
+    CVdp1CharacterPattern::GiveBackTextures();
 }
 
 void CVdp1::ClearPatternCache() {

@@ -86,7 +86,8 @@ public:
     // command in the list of its priority; sets COPR and, at an END, EDSR.
     void BuildPartsListVectors();
     // After the frame: patterns that the walk retired and those that VRAM
-    // writes made modified are deleted.
+    // writes made modified are deleted, and the textures over the budget
+    // that the walk did not use given back.
     void PurgeModifiedPatterns();
     // Deletes every cached pattern and empties the table.
     void ClearPatternCache();

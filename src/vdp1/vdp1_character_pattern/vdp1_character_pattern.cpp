@@ -178,7 +178,8 @@ CVdp1CharacterPattern* CVdp1CharacterPattern::UseTexture(CVdp1SpritePart& part) 
     CVdp1CharacterPattern* pattern = group;
     while (pattern && !pattern->HoldsCharacterOf(part)) pattern = pattern->nextVariant;
     CVdp1Texture* texture = pattern && pattern->textures ? statics.textures.Find(pattern, TextureKey(part)) : nullptr;
-    if (!texture) {
+    const bool found = texture != nullptr;
+    if (!found) {
         if (!RoomForAnotherTexture()) return pattern;
         if (!pattern) {
             if (group && group->VariantCount() >= kMaxVariants) {
@@ -204,7 +205,9 @@ CVdp1CharacterPattern* CVdp1CharacterPattern::UseTexture(CVdp1SpritePart& part) 
         part.uMax = pattern->uMax;
         part.vMax = pattern->vMax;
     }
-    GiveBackTextures();
+    // Only a new texture makes room: giving back on every use would throw
+    // out, part by part, the textures the rest of this list needs next.
+    if (!found) GiveBackTextures();
     return pattern;
 }
 

@@ -94,6 +94,10 @@ public:
     // After a frame is drawn (and at the next walk): patterns retired during
     // the walk are deleted with their textures.
     static void ReleaseRetiredPatterns();
+    // The budget's turn (after each new texture, and after each frame):
+    // textures not used by the latest walk go, oldest first, until the cache
+    // is within the budget again.
+    static void GiveBackTextures();
 
     // Each returns the texture it filed for the part's palette, or null.
     CVdp1Texture* GenerateTexture(const CVdp1SpritePart& part);
@@ -188,9 +192,6 @@ private:
     // Out of the table at once, deleted once the frame is drawn.
     static void Retire(CVdp1CharacterPattern* pattern);
     void Unmap();
-    // The budget's turn: textures not used by the latest walk go, oldest
-    // first, until the cache is within the budget again.
-    static void GiveBackTextures();
     // Whether the walk may have another new texture.
     static bool RoomForAnotherTexture();
     void DeleteTexture(CVdp1Texture* texture);
