@@ -450,7 +450,8 @@ TEST_F(HostVdp1FrameTest, ManualChangesKeepEachBufferAndAnAllBlackSpriteClearsTh
 
 TEST_F(HostVdp1FrameTest, EveryByteOfAnOddSizedPatternAndSizesSharingAnAddressShowTheirOwnTexels) {
     // A 16 x 8 and an 8 x 8 sprite on one address; an 8 x 5 one (20 bytes,
-    // its last 8-byte unit half used) on its own, its dots rewritten.
+    // its last 8-byte unit half used) on its own, its dots rewritten frame
+    // after frame.
     const Pattern wide = MakePattern(0);
     Pattern small{.mode = 0, .raw = {wide.raw.begin(), wide.raw.begin() + 40}};
     WritePattern(0x4000, wide);
@@ -458,9 +459,14 @@ TEST_F(HostVdp1FrameTest, EveryByteOfAnOddSizedPatternAndSizesSharingAnAddressSh
         const Texture t = Expected(p, 0x0100);
         for (size_t i = 0; i < t.size(); ++i) picture.Blend(x0 + int(i % 8), int(i / 8), t[i], 1.0, 1.0);
     };
+    // Last, a 16 x 8 sprite 32 bytes earlier: its pattern overlaps theirs,
+    // which must still draw with their own texels in this frame.
+    Pattern overlapping{.mode = 0, .raw = std::vector<uint16_t>(64, 0)};
+    overlapping.raw.insert(overlapping.raw.end(), wide.raw.begin(), wide.raw.begin() + 64);
     List({{.colr = 0x0100, .srca = 0x4000 / 8, .size = 0x0208},
           {.colr = 0x0100, .srca = 0x4000 / 8, .size = 0x0108, .xa = 40},
-          {.colr = 0x0100, .srca = 0x5000 / 8, .size = 0x0105, .xa = 80}});
+          {.colr = 0x0100, .srca = 0x5000 / 8, .size = 0x0105, .xa = 80},
+          {.colr = 0x0100, .srca = 0x3FE0 / 8, .size = 0x0208, .xa = 120}});
     for (size_t changed : {100u, 39u, 32u, 0u}) {  // none; the last dot, its 8-byte unit, the first
         SCOPED_TRACE(changed);
         if (changed < 40) small.raw[changed] ^= 0x5;
@@ -469,6 +475,7 @@ TEST_F(HostVdp1FrameTest, EveryByteOfAnOddSizedPatternAndSizesSharingAnAddressSh
         expected.Sprite(Expected(wide, 0x0100), 0, 0, 16, 8);
         narrow(expected, Pattern{.mode = 0, .raw = {wide.raw.begin(), wide.raw.begin() + 64}}, 40);
         narrow(expected, small, 80);
+        expected.Sprite(Expected(overlapping, 0x0100), 120, 0, 136, 8);
         ExpectFrame(expected);
     }
 }
