@@ -112,7 +112,7 @@ TEST_F(ReplayTest, ExitCodesAndMessages) {
         {"", Quote(VDPGL_LIBRARY), 2, "is not a vdpgl trace"},
         {"cat cut.trace |", "-", 4, "standard input at byte"},
         {"", "--frames many sprites.trace", 1, "--frames needs a number"},
-        {"", "--plugin nothing.so sprites.trace", 3, "cannot load the plug-in"},
+        {"", "--plugin nothing.so sprites.trace", 3, "cannot load the plug-in nothing.so"},
         {"cat long.trace |", "-", 0, "8 bytes follow the trace's end record, from byte " + std::to_string(bytes.size())},
         {"VDPGL_RECORD=/dev/full", "sprites.trace", 0, "cannot write the trace \"/dev/full\": No space left on device"},
         {"VDPGL_RECORD=gone/x.trace", "--frames 10 sprites.trace", 0, "cannot create the trace \"gone/x.trace\""},
