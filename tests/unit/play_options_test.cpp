@@ -22,7 +22,7 @@ TEST(PlayOptionsTest, ValuesAfterAnEqualsSignAndMistakesNamed) {
         {{"--frames", "-3", "a"}, "--frames needs a number of frames, not \"-3\""},
         {{"--capture-every", "0", "a"}, "--capture-every needs a count of 1 or more, not \"0\""},
         {{"--scale", "2x", "a"}, "--scale must be one of"}, {{"--fast", "a"}, "unknown option --fast"},
-        {{"a", "-"}, "one trace at a time"}};
+        {{"a", "-"}, "one trace at a time"}, {{"--scale", "1.5", "a"}, "--scale must be one of"}};
     for (const auto& c : cases) {
         EXPECT_FALSE(ParsePlayOptions(c.arguments, error));
         EXPECT_NE(error.find(c.message), std::string::npos) << error;

@@ -57,7 +57,7 @@ TEST(TraceFormatTest, WriterKeepsToTheDocumentedBytesAndReaderTellsHowTheTraceEn
     ASSERT_TRUE(writer.Open("w.trace"));
     writer.WritePort(Port::WriteWordVDP1VRAM, 0x12345678, 0xBEEF);
     writer.WriteFrame(1);
-    ASSERT_TRUE(writer.Close());
+    ASSERT_TRUE(writer.Close() && !writer.IsOpen());
     const Bytes good = Join(kHeader, kFrame), closed = Join(good, Block({0x7F}));
     EXPECT_EQ(Slurp("w.trace"), closed);
     ASSERT_TRUE(writer.Open("w.trace"));  // records enough to fill blocks

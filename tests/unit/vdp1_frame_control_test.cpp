@@ -20,7 +20,7 @@ class Vdp1FrameControlTest : public test::VdpTest {
 protected:
     int Actions() {
         const Vdp1FrameActions a = vdp1->FrameControl();
-        return (a.draw ? D : 0) | (a.swap ? S : 0) | (a.erase ? E : 0);
+        return a == Vdp1FrameActions{} ? 0 : (a.draw ? D : 0) | (a.swap ? S : 0) | (a.erase ? E : 0);
     }
     // Enters a pattern at table entries [first, first + count).
     CVdp1CharacterPattern* AddPattern(uint32_t first, uint32_t count) {
