@@ -9,7 +9,7 @@ namespace vdpgl::test {
 
 class ScopedTempDir {
 public:
-    ScopedTempDir() : previous(std::filesystem::current_path()) {
+    ScopedTempDir() {
         char pattern[] = "/tmp/vdpgl-test-XXXXXX";
         if (mkdtemp(pattern)) dir = pattern;
         std::filesystem::current_path(dir);
@@ -22,8 +22,7 @@ public:
     const std::filesystem::path& Path() const { return dir; }
 
 private:
-    std::filesystem::path previous;
-    std::filesystem::path dir;
+    std::filesystem::path previous = std::filesystem::current_path(), dir;
 };
 
 }  // namespace vdpgl::test

@@ -9,7 +9,6 @@
 #include "render/opengl/opengl.h"
 #include "temp_dir.h"
 #include "vdp1/vdp1.h"
-#include "vdp1/vdp1_registers.h"
 #include "vdp2/vdp2.h"
 
 namespace vdpgl::test {
