@@ -50,6 +50,15 @@ constexpr int kPatternWidth = 16, kPatternHeight = 8;
 constexpr uint16_t kPatternSize = 0x0208;  // CMDSIZE: width / 8, height
 using Texture = std::vector<Rgba>;
 
+// A 16 x 8 normal sprite, and a polygon on the rectangle [x0, x1) x [y0, y1).
+Command Sprite(uint16_t pmod, uint32_t address, int16_t x, int16_t y, uint16_t colr = 0) {
+    return {.pmod = pmod, .colr = colr, .srca = uint16_t(address / 8), .size = kPatternSize, .xa = x, .ya = y};
+}
+Command Quad(uint16_t colr, int16_t x0, int16_t y0, int16_t x1, int16_t y1, uint16_t pmod = 0) {
+    return {.ctrl = kPolygonCmd, .pmod = pmod, .colr = colr, .xa = x0, .ya = y0, .xb = x1, .yb = y0, .xc = x1, .yc = y1,
+            .xd = x0, .yd = y1};
+}
+
 // The reference picture: axis-aligned quads sampled at pixel centres,
 // nearest texel, mixed by source alpha and one minus source alpha.
 
@@ -286,19 +295,10 @@ TEST_F(HostVdp1FrameTest, PartsInCommandOrderColourBankSpritesLastAndLocalCoordi
     WritePattern(0x4000, rgb);
     WritePattern(0x5000, lut);
     WritePattern(0x6000, bank);
-    List({{.ctrl = kNormalSpriteCmd, .pmod = 4 << 3, .colr = 0x0300, .srca = 0x6000 / 8, .size = kPatternSize,
-           .xa = 30, .ya = 30},
-          {.ctrl = kPolygonCmd, .colr = 0x001F, .xa = 0, .ya = 0, .xb = 80, .yb = 0, .xc = 80, .yc = 60, .xd = 0,
-           .yd = 60},
-          {.ctrl = kNormalSpriteCmd, .pmod = 5 << 3, .srca = 0x4000 / 8, .size = kPatternSize, .xa = 10, .ya = 10},
-          {.ctrl = kNormalSpriteCmd, .pmod = 1 << 3, .colr = kLut / 8, .srca = 0x5000 / 8, .size = kPatternSize,
-           .xa = 20, .ya = 14},
-          {.ctrl = kPolygonCmd, .colr = 0x7FE0, .xa = 60, .ya = 40, .xb = 100, .yb = 40, .xc = 100, .yc = 70,
-           .xd = 60, .yd = 70},
+    List({Sprite(4 << 3, 0x6000, 30, 30, 0x0300), Quad(0x001F, 0, 0, 80, 60), Sprite(5 << 3, 0x4000, 10, 10),
+          Sprite(1 << 3, 0x5000, 20, 14, kLut / 8), Quad(0x7FE0, 60, 40, 100, 70),
           {.ctrl = kLocalCoordinatesCmd, .xa = 150, .ya = 90},
-          {.ctrl = kNormalSpriteCmd, .pmod = 5 << 3, .srca = 0x4000 / 8, .size = kPatternSize, .xa = -10, .ya = 5},
-          {.ctrl = kPolygonCmd, .colr = 0x7FFF, .xa = 20, .ya = 20, .xb = 30, .yb = 20, .xc = 30, .yc = 25,
-           .xd = 20, .yd = 25}});
+          Sprite(5 << 3, 0x4000, -10, 5), Quad(0x7FFF, 20, 20, 30, 25)});
     Picture expected;
     expected.Fill(0, 0, 80, 60, ShapeColour(0x001F));
     expected.Sprite(Expected(rgb, 0), 10, 10, 26, 18);
@@ -320,9 +320,7 @@ TEST_F(HostVdp1FrameTest, OnePatternShowsEachPaletteFromTheCacheAndItsNewTexelsO
         expected.Sprite(Expected(shown, 0x0100), 80, 0, 96, 8);
         ExpectFrame(expected);
     };
-    List({{.ctrl = kNormalSpriteCmd, .colr = 0x0100, .srca = 0x4000 / 8, .size = kPatternSize, .xa = 0, .ya = 0},
-          {.ctrl = kNormalSpriteCmd, .colr = 0x0110, .srca = 0x4000 / 8, .size = kPatternSize, .xa = 40, .ya = 0},
-          {.ctrl = kNormalSpriteCmd, .colr = 0x0100, .srca = 0x4000 / 8, .size = kPatternSize, .xa = 80, .ya = 0}});
+    List({Sprite(0, 0x4000, 0, 0, 0x0100), Sprite(0, 0x4000, 40, 0, 0x0110), Sprite(0, 0x4000, 80, 0, 0x0100)});
     show(p);
     show(p);  // from the cache
     for (size_t i = 0; i < p.raw.size(); ++i) p.raw[i] = static_cast<uint16_t>((p.raw[i] + 1 + i % 7) & 0xF);
@@ -335,25 +333,16 @@ TEST_F(HostVdp1FrameTest, ColourCalculationOverABackdrop) {
     // opaque polygon and half over nothing.
     const Pattern p = MakePattern(5);
     WritePattern(0x4000, p);
-    struct Case {
-        uint16_t pmod;
-        double factor, alpha;
-    };
+    struct Case { uint16_t pmod; double factor, alpha; };
     const Case cases[] = {
-        {0, 1.0, 1.0},      // replace
-        {1, 0.0, 0.5},      // shadow: darkens what is under its opaque pixels
-        {2, 0.5, 1.0},      // half luminance
-        {3, 1.0, 0.5},      // half transparency
-        {0x100, 1.0, 0.5},  // mesh, drawn as half transparency
+        {0, 1.0, 1.0}, {1, 0.0, 0.5},  // replace; shadow: darkens what is under its opaque pixels
+        {2, 0.5, 1.0}, {3, 1.0, 0.5},  // half luminance, half transparency
+        {0x100, 1.0, 0.5},             // mesh, drawn as half transparency
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(::testing::Message() << "CMDPMOD " << c.pmod);
-        List({{.ctrl = kPolygonCmd, .colr = 0x7C1F, .xa = 0, .ya = 0, .xb = 108, .yb = 0, .xc = 108, .yc = 100,
-               .xd = 0, .yd = 100},
-              {.ctrl = kNormalSpriteCmd, .pmod = static_cast<uint16_t>(5 << 3 | c.pmod), .srca = 0x4000 / 8,
-               .size = kPatternSize, .xa = 100, .ya = 50},
-              {.ctrl = kPolygonCmd, .pmod = c.pmod, .colr = 0x7FFF, .xa = 90, .ya = 80, .xb = 130, .yb = 80,
-               .xc = 130, .yc = 110, .xd = 90, .yd = 110}});
+        List({Quad(0x7C1F, 0, 0, 108, 100), Sprite(static_cast<uint16_t>(5 << 3 | c.pmod), 0x4000, 100, 50),
+              Quad(0x7FFF, 90, 80, 130, 110, c.pmod)});
         Picture expected;
         expected.Fill(0, 0, 108, 100, ShapeColour(0x7C1F));
         expected.Sprite(Expected(p, 0), 100, 50, 116, 58, 0, c.factor, c.alpha);
@@ -398,8 +387,9 @@ TEST_F(HostVdp1FrameTest, GouraudPolygonShadesFromCornerToCorner) {
     // The offset grows evenly along both axes, so the picture is the same
     // whichever diagonal the driver splits the quad along.
     WriteWords(Vram(), 0x5000, {0x0421, 0x4210, 0x7FFF, 0x4210});
-    List({{.ctrl = kPolygonCmd, .pmod = 4, .colr = 0x4210, .xa = 40, .ya = 20, .xb = 104, .yb = 20, .xc = 104,
-           .yc = 84, .xd = 40, .yd = 84, .grda = 0x5000 / 8}});
+    Command shaded = Quad(0x4210, 40, 20, 104, 84, 4);
+    shaded.grda = 0x5000 / 8;
+    List({shaded});
     Picture expected;
     const double grey = 16.0 / 31.0, step = 15.0 / 32.0;
     for (int y = 20; y < 84; ++y)
@@ -418,9 +408,7 @@ TEST_F(HostVdp1FrameTest, ManualChangesKeepEachBufferAndAnAllBlackSpriteClearsTh
         x().WriteWordVDP1Regs(0x04, ptmr);
         x().WriteWordVDP1Regs(0x02, 0x0003);
     };
-    const Command white{.ctrl = kPolygonCmd, .colr = 0x7FFF, .xa = 200, .ya = 200, .xb = 210, .yb = 200, .xc = 210,
-                        .yc = 210, .xd = 200, .yd = 210};
-    List({white});
+    List({Quad(0x7FFF, 200, 200, 210, 210)});
     Picture first;
     first.Fill(200, 200, 210, 210, ShapeColour(0x7FFF));
     change(1);
@@ -436,10 +424,7 @@ TEST_F(HostVdp1FrameTest, ManualChangesKeepEachBufferAndAnAllBlackSpriteClearsTh
     // An all-black sprite is not drawn: the buffer presented before the
     // drawn one is cleared right after the swap.
     WritePattern(0x4000, Uniform(0x8000));
-    Command moved = white;
-    moved.xa = moved.xd = 0;
-    moved.xb = moved.xc = 10;
-    List({moved, {.ctrl = kNormalSpriteCmd, .pmod = 5 << 3, .srca = 0x4000 / 8, .size = 0x0208, .xa = 50, .ya = 50}});
+    List({Quad(0x7FFF, 0, 200, 10, 210), Sprite(5 << 3, 0x4000, 50, 50)});
     Picture second;
     second.Fill(0, 200, 10, 210, ShapeColour(0x7FFF));
     change(1);
@@ -519,9 +504,9 @@ TEST_F(HostVdp1FrameTest, TextureMemoryThatIsNoCountOfMegabytesIsReportedAndTheD
         setenv("VDPGL_TEXTURE_MEMORY_MB", value, 1);
         testing::internal::CaptureStderr();
         Start();
-        EXPECT_NE(testing::internal::GetCapturedStderr().find(std::string("VDPGL_TEXTURE_MEMORY_MB=") + value +
-                                                              " is not a number of megabytes from 1 to 1048576; using 256"),
-                  std::string::npos);
+        const std::string expected = std::string("VDPGL_TEXTURE_MEMORY_MB=") + value +
+                                     " is not a number of megabytes from 1 to 1048576; using 256";
+        EXPECT_NE(testing::internal::GetCapturedStderr().find(expected), std::string::npos);
     }
 }
 

@@ -1,22 +1,18 @@
 // CVdp2's colour RAM: writes by colour RAM mode, reads, the double buffer and
 // its per-frame change stamps, sprite colour lookup and colour conversion.
-#include <gtest/gtest.h>
-
 #include <algorithm>
+#include <array>
 #include <cstdint>
-#include <memory>
 #include <vector>
 
-#include "render/opengl/opengl.h"
-#include "temp_dir.h"
-#include "vdp2/vdp2.h"
+#include "vdp_test.h"
 
 namespace vdpgl {
 namespace {
 
 using namespace vdp2reg;
 
-class Vdp2CramTest : public ::testing::Test {
+class Vdp2CramTest : public test::VdpTest {
 protected:
     // The colour RAM mode comes from RAMCTL bits 13-12; the other bits are set
     // to show that they do not matter.
@@ -25,10 +21,6 @@ protected:
     static long CountNonZero(const uint32_t* stamps, int n) {
         return std::count_if(stamps, stamps + n, [](uint32_t s) { return s != 0; });
     }
-
-    test::ScopedTempDir tempDir;  // VDP2 deletes old logs in the current directory
-    COpenGl renderer{nullptr};
-    std::unique_ptr<CVdp2> vdp2 = std::make_unique<CVdp2>(renderer);
 };
 
 TEST_F(Vdp2CramTest, ModeZeroMirrorsEveryWriteInTheSecondHalf) {
@@ -37,17 +29,12 @@ TEST_F(Vdp2CramTest, ModeZeroMirrorsEveryWriteInTheSecondHalf) {
     EXPECT_EQ(vdp2->ReadCramWord(0x010), 0x1234);
     EXPECT_EQ(vdp2->ReadCramWord(0x810), 0x1234);
     vdp2->WriteCramWord(0x822, 0x5678);  // an address in the second half reaches the first too
-    EXPECT_EQ(vdp2->cram[0x011], 0x5678);
-    EXPECT_EQ(vdp2->cram[0x411], 0x5678);
     vdp2->WriteCramByte(0x011, 0xAB);
     vdp2->WriteCramByte(0x810, 0xCD);
-    EXPECT_EQ(vdp2->cram[0x008], 0xCDAB);
-    EXPECT_EQ(vdp2->cram[0x408], 0xCDAB);
     vdp2->WriteCramLong(0x1040, 0x11112222);  // address masked with 0xFFF
-    EXPECT_EQ(vdp2->cram[0x020], 0x1111);
-    EXPECT_EQ(vdp2->cram[0x021], 0x2222);
-    EXPECT_EQ(vdp2->cram[0x420], 0x1111);
-    EXPECT_EQ(vdp2->cram[0x421], 0x2222);
+    const uint16_t* c = vdp2->cram;
+    EXPECT_EQ((std::array{c[0x011], c[0x411], c[0x008], c[0x408], c[0x020], c[0x021], c[0x420], c[0x421]}),
+              (std::array<uint16_t, 8>{0x5678, 0x5678, 0xCDAB, 0xCDAB, 0x1111, 0x2222, 0x1111, 0x2222}));
     EXPECT_TRUE(std::equal(vdp2->cram, vdp2->cram + 1024, vdp2->cram + 1024));
     // Reads take the masked address in any mode: byte (even: high), word, long (high half first).
     EXPECT_EQ(vdp2->ReadCramByte(0xF011), 0xAB);
@@ -95,12 +82,12 @@ TEST_F(Vdp2CramTest, LongAccessAtTheLastWordStaysInTheActiveBuffer) {
     ASSERT_EQ(vdp2->cram, vdp2->CramBuffer(0));
     ASSERT_EQ(vdp2->CramBuffer(1)[0], 0x1234);
 
-    vdp2->WriteCramLong(0xFFE, 0xAAAABBBB);
-    EXPECT_EQ(vdp2->ReadCramLong(0xFFE), 0xAAAABBBBu);
-    SetCramMode(0);
-    vdp2->WriteCramLong(0xFFE, 0xCCCCDDDD);
-    EXPECT_EQ(vdp2->ReadCramLong(0xFFE), 0xCCCCDDDDu);
-    EXPECT_EQ(vdp2->CramBuffer(1)[0], 0x1234);
+    for (uint16_t mode : {1, 0}) {
+        SetCramMode(mode);
+        vdp2->WriteCramLong(0xFFE, 0xAAAABBBB + mode);
+        EXPECT_EQ(vdp2->ReadCramLong(0xFFE), 0xAAAABBBBu + mode);
+        EXPECT_EQ(vdp2->CramBuffer(1)[0], 0x1234);
+    }
     EXPECT_TRUE(std::equal(vdp2->cram, vdp2->cram + 1024, vdp2->cram + 1024));
 }
 
@@ -110,11 +97,9 @@ TEST_F(Vdp2CramTest, SwitchStampsTheBlocksOfWhatChangedInTheFrameAndLeavesBothBu
     vdp2->WriteCramWord(0x00A, 0x7FFF);  // changed and undone within the frame: no stamp
     vdp2->WriteCramWord(0x00A, 0x0000);
     vdp2->OnVblankOut();  // frame 1
-    EXPECT_EQ(vdp2->palette16Stamps[0x12], 1u);
-    EXPECT_EQ(vdp2->palette64Stamps[4], 1u);
-    EXPECT_EQ(vdp2->palette128Stamps[2], 1u);
-    EXPECT_EQ(vdp2->palette256Stamps[1], 1u);
-    EXPECT_EQ(vdp2->paletteAllStamp, 1u);
+    EXPECT_EQ((std::array{vdp2->palette16Stamps[0x12], vdp2->palette64Stamps[4], vdp2->palette128Stamps[2],
+                          vdp2->palette256Stamps[1], vdp2->paletteAllStamp}),
+              (std::array<uint32_t, 5>{1, 1, 1, 1, 1}));
     EXPECT_EQ(CountNonZero(vdp2->palette16Stamps, 128) + CountNonZero(vdp2->palette64Stamps, 32) +
                   CountNonZero(vdp2->palette128Stamps, 16) + CountNonZero(vdp2->palette256Stamps, 8),
               4);
@@ -129,9 +114,8 @@ TEST_F(Vdp2CramTest, SwitchStampsTheBlocksOfWhatChangedInTheFrameAndLeavesBothBu
     vdp2->WriteCramWord(0x123 * 2, 0x0000);  // undoing an earlier frame's change is a change
     EXPECT_EQ(vdp2->CramBuffer(1)[0x123], 0x7FFF) << "writes go to the active buffer only";
     vdp2->OnVblankOut();  // frame 3
-    EXPECT_EQ(vdp2->palette16Stamps[127], 3u);
-    EXPECT_EQ(vdp2->palette256Stamps[7], 3u);
-    EXPECT_EQ(vdp2->palette16Stamps[0x12], 3u);
+    EXPECT_EQ((std::array{vdp2->palette16Stamps[127], vdp2->palette256Stamps[7], vdp2->palette16Stamps[0x12]}),
+              (std::array<uint32_t, 3>{3, 3, 3}));
     EXPECT_EQ(vdp2->CramBuffer(1)[0x123], 0);
 
     SetCramMode(0);
