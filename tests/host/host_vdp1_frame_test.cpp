@@ -3,6 +3,7 @@
 // compared with one worked out here, pixel by pixel.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdint>
@@ -351,19 +352,6 @@ TEST_F(HostVdp1FrameTest, ColourCalculationOverABackdrop) {
     }
 }
 
-TEST_F(HostVdp1FrameTest, SpriteColourOffsetLightensAfterTexturingAndDarkensByMultiplying) {
-    // Grey texels (128 a channel); sprite colour offset set A: red +64/256,
-    // green none, blue -128/256.
-    WritePattern(0x4000, Uniform(0xC210));
-    x().WriteWordVDP2Regs(0x110, 0x0040);  // CLOFEN: the sprite's bit
-    x().WriteWordVDP2Regs(0x114, 0x040);   // COAR
-    x().WriteWordVDP2Regs(0x118, 0x180);   // COAB
-    List({{.ctrl = kNormalSpriteCmd, .pmod = 5 << 3, .srca = 0x4000 / 8, .size = 0x0208, .xa = 20, .ya = 20}});
-    Picture expected;
-    expected.Fill(20, 20, 36, 28, {128 + 64, 128, 64, 255});
-    ExpectFrame(expected, 2);
-}
-
 TEST_F(HostVdp1FrameTest, PolylineDrawsAClosedOutlineAndLineOneSegment) {
     // Where a one-pixel line between pixel corners lands is the rasteriser's
     // choice: the outline lights one of the two pixels beside each edge, the
@@ -382,7 +370,7 @@ TEST_F(HostVdp1FrameTest, PolylineDrawsAClosedOutlineAndLineOneSegment) {
     EXPECT_EQ(Lit(0, 0, kWidth, kHeight), Lit(19, 29, 62, 52) + Lit(99, 99, 142, 122)) << "nothing else drawn";
 }
 
-TEST_F(HostVdp1FrameTest, GouraudPolygonShadesFromCornerToCorner) {
+TEST_F(HostVdp1FrameTest, GouraudPolygonShadesCornerToCornerAndTheSpriteColourOffsetLightensOrDarkens) {
     // Grey polygon, gouraud offsets -15/32 at A, 0 at B and D, +15/32 at C.
     // The offset grows evenly along both axes, so the picture is the same
     // whichever diagonal the driver splits the quad along.
@@ -399,6 +387,16 @@ TEST_F(HostVdp1FrameTest, GouraudPolygonShadesFromCornerToCorner) {
             expected.At(x, y) = {c, c, c, 255};
         }
     ExpectFrame(expected, 3);
+    // Sprite colour offset set A, red +64/256 and blue -128/256: on grey
+    // texels (128 a channel) the red is added after texturing, the blue multiplies.
+    WritePattern(0x4000, Uniform(0xC210));
+    x().WriteWordVDP2Regs(0x110, 0x0040);  // CLOFEN: the sprite's bit
+    x().WriteWordVDP2Regs(0x114, 0x040);   // COAR
+    x().WriteWordVDP2Regs(0x118, 0x180);   // COAB
+    List({Sprite(5 << 3, 0x4000, 200, 20)});
+    Picture offset;
+    offset.Fill(200, 20, 216, 28, {128 + 64, 128, 64, 255});
+    ExpectFrame(offset, 2);
 }
 
 TEST_F(HostVdp1FrameTest, ManualChangesKeepEachBufferAndAnAllBlackSpriteClearsTheOther) {

@@ -207,35 +207,6 @@ protected:
     }
 };
 
-TEST_F(Vdp1PatternTableTest, AChangedValueMarksOnlyThePatternOfItsUnit) {
-    // The covering pattern holds bytes 0x100 to 0x107; the value differs
-    // from the stored one in one byte only.
-    struct Case { int width; uint32_t address, stored, different; };
-    const Case cases[] = {
-        {8, 0x105, 0x77, 0x76},          {16, 0x106, 0x1234, 0x1235},           {16, 0x100, 0x1234, 0x9234},
-        {32, 0x104, 0x89ABCDEF, 0x88ABCDEF}, {32, 0x80100, 0x89ABCDEF, 0x89ABCDEE},  // masked into VRAM
-    };
-    const auto write = [this](int width, uint32_t a, uint32_t v) {
-        if (width == 8) vdp1->WriteVramByte(a, static_cast<uint8_t>(v));
-        else if (width == 16) vdp1->WriteVramWord(a, static_cast<uint16_t>(v));
-        else vdp1->WriteVramLong(a, v);
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(testing::Message() << c.width << " bits at 0x" << std::hex << c.address);
-        vdp1->ClearPatternCache();
-        write(c.width, c.address, c.stored);  // before any pattern covers it
-        CVdp1CharacterPattern* before = AddPattern(0x1F, 1);
-        CVdp1CharacterPattern* covering = AddPattern(0x20, 1);
-        CVdp1CharacterPattern* after = AddPattern(0x21, 1);
-        write(c.width, c.address, c.stored);
-        EXPECT_FALSE(covering->modified);
-        write(c.width, c.address, c.different);
-        EXPECT_TRUE(covering->modified);
-        EXPECT_FALSE(before->modified || after->modified);
-        EXPECT_EQ(vdp1->GetPattern(c.address), covering);
-    }
-}
-
 TEST_F(Vdp1PatternTableTest, ListingSkipsModifiedPatternsThePurgeDeletesThemOnceAndTheClearAll) {
     // Created out of address order; b and c are adjacent, e ends the table.
     CVdp1CharacterPattern* e = AddPattern(0xFFFE, 2);
