@@ -1,5 +1,4 @@
-// The renderer on a real headless context, checked on the pixels of the
-// presented picture.
+// The renderer on a real headless context, checked on the pixels of the presented picture.
 #include <gtest/gtest.h>
 
 #include <algorithm>

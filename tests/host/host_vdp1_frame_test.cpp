@@ -1,6 +1,5 @@
-// VDP1 frames as a host sees them: command lists written to VDP1 VRAM and
-// palettes to colour RAM through the exports, and the presented picture
-// compared with one worked out here, pixel by pixel.
+// VDP1 frames as a host sees them: command lists written to VDP1 VRAM and palettes to colour RAM through the exports,
+// and the presented picture compared with one worked out here, pixel by pixel.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -38,8 +37,8 @@ Rgba ShapeColour(uint16_t c) {
     return {ch(c & 31), ch((c >> 5) & 31), ch((c >> 10) & 31), 255};
 }
 
-// Colour RAM as the tests fill it, and a 16-entry lookup table in VRAM with
-// a 0x0000 entry (transparent) and a 0x8000 entry (opaque black).
+// Colour RAM as the tests fill it, and a 16-entry lookup table in VRAM with a 0x0000 entry (transparent) and a 0x8000
+// entry (opaque black).
 uint16_t CramColour(int i) { return static_cast<uint16_t>(0x8000 | ((i * 2731 + 977) & 0x7FFF)); }
 constexpr uint32_t kLut = 0x3000;
 uint16_t LutWord(int i) {
@@ -60,8 +59,8 @@ Command Quad(uint16_t colr, int16_t x0, int16_t y0, int16_t x1, int16_t y1, uint
             .xd = x0, .yd = y1};
 }
 
-// The reference picture: axis-aligned quads sampled at pixel centres,
-// nearest texel, mixed by source alpha and one minus source alpha.
+// The reference picture: axis-aligned quads sampled at pixel centres, nearest texel, mixed by source alpha and one
+// minus source alpha.
 
 struct Picture {
     std::vector<Rgba> px = std::vector<Rgba>(kWidth * kHeight);
@@ -98,8 +97,8 @@ struct Pattern {
     std::vector<uint16_t> raw = std::vector<uint16_t>(kPatternWidth * kPatternHeight);
 };
 
-// Raw values that cover the codes with a meaning: 0, the end code, and (in
-// the 64- and 128-colour modes) 0 and the end code with the unused top bits set.
+// Raw values that cover the codes with a meaning: 0, the end code, and (in the 64- and 128-colour modes) 0 and the end
+// code with the unused top bits set.
 Pattern MakePattern(uint16_t mode) {
     Pattern p{.mode = mode};
     const uint16_t rawMask = mode <= 1 ? 0x0F : mode == 5 ? 0xFFFF : 0xFF;
@@ -123,8 +122,8 @@ Pattern MakePattern(uint16_t mode) {
 }
 Pattern Uniform(uint16_t colour) { return {.raw = std::vector<uint16_t>(16 * 8, colour)}; }
 
-// The texels a sprite shows: pixel code 0 and the end code (unless ECD) are
-// transparent, or with SPD the colour of code 0 (opaque black in 32K colours).
+// The texels a sprite shows: pixel code 0 and the end code (unless ECD) are transparent, or with SPD the colour of code
+// 0 (opaque black in 32K colours).
 Texture Expected(const Pattern& p, uint16_t colr, bool ecd = false, bool spd = false) {
     static constexpr uint16_t kPixelMask[6] = {0x0F, 0x0F, 0x3F, 0x7F, 0xFF, 0x7FFF};
     static constexpr uint16_t kBankMask[6] = {0xFFF0, 0, 0xFFC0, 0xFF80, 0xFF00, 0};
@@ -160,8 +159,7 @@ protected:
         Init();
         x().EmulationThreadStarting();
         x().WriteWordVDP2Regs(0x000, 0x8000);  // display on, 320 x 224
-        // One-cycle mode, drawing automatically: every V-blank-out draws,
-        // presents and erases.
+        // One-cycle mode, drawing automatically: every V-blank-out draws, presents and erases.
         x().WriteWordVDP1Regs(0x00, 0x0000);
         x().WriteWordVDP1Regs(0x02, 0x0000);
         x().WriteWordVDP1Regs(0x04, 0x0002);
@@ -205,8 +203,7 @@ protected:
         for (size_t i = 0; i < shown.px.size(); ++i)
             shown.px[i] = {rgba[i * 4], rgba[i * 4 + 1], rgba[i * 4 + 2], rgba[i * 4 + 3]};
     }
-    // One frame, every pixel against the reference, each channel within
-    // tolerance; reports the first few differences.
+    // One frame, every pixel against the reference, each channel within tolerance; reports the first few differences.
     void ExpectFrame(const Picture& expected, int tolerance = 0) {
         Frame();
         int wrong = 0;
@@ -258,8 +255,8 @@ TEST_F(HostVdp1FrameTest, NormalSpriteShowsItsTexelsOnItsRectangleInEveryColourM
 }
 
 TEST_F(HostVdp1FrameTest, ScaledSpriteCoversItsRectangle) {
-    // Two-point form: corners inclusive. Zoom-point form: a width and height
-    // placed by the point, widened by one pixel on every side.
+    // Two-point form: corners inclusive. Zoom-point form: a width and height placed by the point, widened by one pixel
+    // on every side.
     const Pattern textured = MakePattern(5), uniform = Uniform(0x4E73);
     WritePattern(0x4000, textured);
     WritePattern(0x5000, uniform);
@@ -288,10 +285,9 @@ TEST_F(HostVdp1FrameTest, ScaledSpriteCoversItsRectangle) {
 }
 
 TEST_F(HostVdp1FrameTest, PartsInCommandOrderColourBankSpritesLastAndLocalCoordinatesForLaterParts) {
-    // Polygons, 32K-colour sprites and lookup-table sprites share one
-    // priority level, in command order; colour-bank sprites, whose priority
-    // number 0 reads as level 7 here, are drawn after all of them. Local
-    // coordinates move the parts after them.
+    // Polygons, 32K-colour sprites and lookup-table sprites share one priority level, in command order; colour-bank
+    // sprites, whose priority number 0 reads as level 7 here, are drawn after all of them. Local coordinates move the
+    // parts after them.
     const Pattern rgb = MakePattern(5), lut = MakePattern(1), bank = MakePattern(4);
     WritePattern(0x4000, rgb);
     WritePattern(0x5000, lut);
@@ -330,8 +326,7 @@ TEST_F(HostVdp1FrameTest, OnePatternShowsEachPaletteFromTheCacheAndItsNewTexelsO
 }
 
 TEST_F(HostVdp1FrameTest, ColourCalculationOverABackdrop) {
-    // A sprite and a white polygon with the same CMDPMOD, each half over an
-    // opaque polygon and half over nothing.
+    // A sprite and a white polygon with the same CMDPMOD, each half over an opaque polygon and half over nothing.
     const Pattern p = MakePattern(5);
     WritePattern(0x4000, p);
     struct Case { uint16_t pmod; double factor, alpha; };
@@ -353,9 +348,8 @@ TEST_F(HostVdp1FrameTest, ColourCalculationOverABackdrop) {
 }
 
 TEST_F(HostVdp1FrameTest, PolylineDrawsAClosedOutlineAndLineOneSegment) {
-    // Where a one-pixel line between pixel corners lands is the rasteriser's
-    // choice: the outline lights one of the two pixels beside each edge, the
-    // line about one pixel per column, each in its colour, and nothing else.
+    // Where a one-pixel line between pixel corners lands is the rasteriser's choice: the outline lights one of the two
+    // pixels beside each edge, the line about one pixel per column, each in its colour, and nothing else.
     List({{.ctrl = kPolylineCmd, .colr = 0x03E0, .xa = 20, .ya = 30, .xb = 60, .yb = 30, .xc = 60, .yc = 50,
            .xd = 20, .yd = 50},
           {.ctrl = kLineCmd, .colr = 0x7FFF, .xa = 100, .ya = 100, .xb = 140, .yb = 120, .xc = 0, .yc = 0}});
@@ -371,9 +365,8 @@ TEST_F(HostVdp1FrameTest, PolylineDrawsAClosedOutlineAndLineOneSegment) {
 }
 
 TEST_F(HostVdp1FrameTest, GouraudPolygonShadesCornerToCornerAndTheSpriteColourOffsetLightensOrDarkens) {
-    // Grey polygon, gouraud offsets -15/32 at A, 0 at B and D, +15/32 at C.
-    // The offset grows evenly along both axes, so the picture is the same
-    // whichever diagonal the driver splits the quad along.
+    // Grey polygon, gouraud offsets -15/32 at A, 0 at B and D, +15/32 at C. The offset grows evenly along both axes, so
+    // the picture is the same whichever diagonal the driver splits the quad along.
     WriteWords(Vram(), 0x5000, {0x0421, 0x4210, 0x7FFF, 0x4210});
     Command shaded = Quad(0x4210, 40, 20, 104, 84, 4);
     shaded.grda = 0x5000 / 8;
@@ -387,8 +380,8 @@ TEST_F(HostVdp1FrameTest, GouraudPolygonShadesCornerToCornerAndTheSpriteColourOf
             expected.At(x, y) = {c, c, c, 255};
         }
     ExpectFrame(expected, 3);
-    // Sprite colour offset set A, red +64/256 and blue -128/256: on grey
-    // texels (128 a channel) the red is added after texturing, the blue multiplies.
+    // Sprite colour offset set A, red +64/256 and blue -128/256: on grey texels (128 a channel) the red is added after
+    // texturing, the blue multiplies.
     WritePattern(0x4000, Uniform(0xC210));
     x().WriteWordVDP2Regs(0x110, 0x0040);  // CLOFEN: the sprite's bit
     x().WriteWordVDP2Regs(0x114, 0x040);   // COAR
@@ -400,8 +393,8 @@ TEST_F(HostVdp1FrameTest, GouraudPolygonShadesCornerToCornerAndTheSpriteColourOf
 }
 
 TEST_F(HostVdp1FrameTest, ManualChangesKeepEachBufferAndAnAllBlackSpriteClearsTheOther) {
-    // Manual changes without erase, each drawing once or not at all, so that
-    // a buffer keeps its picture unless something clears it.
+    // Manual changes without erase, each drawing once or not at all, so that a buffer keeps its picture unless
+    // something clears it.
     const auto change = [this](uint16_t ptmr) {
         x().WriteWordVDP1Regs(0x04, ptmr);
         x().WriteWordVDP1Regs(0x02, 0x0003);
@@ -419,8 +412,7 @@ TEST_F(HostVdp1FrameTest, ManualChangesKeepEachBufferAndAnAllBlackSpriteClearsTh
     ExpectFrame(first);  // back to the drawn one, still as it was
     EXPECT_EQ(x().ReadWordVDP1Regs(0x10), edsr) << "no walk since";
 
-    // An all-black sprite is not drawn: the buffer presented before the
-    // drawn one is cleared right after the swap.
+    // An all-black sprite is not drawn: the buffer presented before the drawn one is cleared right after the swap.
     WritePattern(0x4000, Uniform(0x8000));
     List({Quad(0x7FFF, 0, 200, 10, 210), Sprite(5 << 3, 0x4000, 50, 50)});
     Picture second;
@@ -432,9 +424,8 @@ TEST_F(HostVdp1FrameTest, ManualChangesKeepEachBufferAndAnAllBlackSpriteClearsTh
 }
 
 TEST_F(HostVdp1FrameTest, EveryByteOfAnOddSizedPatternAndSizesSharingAnAddressShowTheirOwnTexels) {
-    // A 16 x 8 and an 8 x 8 sprite on one address; an 8 x 5 one (20 bytes,
-    // its last 8-byte unit half used) on its own, its dots rewritten frame
-    // after frame.
+    // A 16 x 8 and an 8 x 8 sprite on one address; an 8 x 5 one (20 bytes, its last 8-byte unit half used) on its own,
+    // its dots rewritten frame after frame.
     const Pattern wide = MakePattern(0);
     Pattern small{.mode = 0, .raw = {wide.raw.begin(), wide.raw.begin() + 40}};
     WritePattern(0x4000, wide);
@@ -442,8 +433,8 @@ TEST_F(HostVdp1FrameTest, EveryByteOfAnOddSizedPatternAndSizesSharingAnAddressSh
         const Texture t = Expected(p, 0x0100);
         for (size_t i = 0; i < t.size(); ++i) picture.Blend(x0 + int(i % 8), int(i / 8), t[i], 1.0, 1.0);
     };
-    // Last, a 16 x 8 sprite 32 bytes earlier: its pattern overlaps theirs,
-    // which must still draw with their own texels in this frame.
+    // Last, a 16 x 8 sprite 32 bytes earlier: its pattern overlaps theirs, which must still draw with their own texels
+    // in this frame.
     Pattern overlapping{.mode = 0, .raw = std::vector<uint16_t>(64, 0)};
     overlapping.raw.insert(overlapping.raw.end(), wide.raw.begin(), wide.raw.begin() + 64);
     List({{.colr = 0x0100, .srca = 0x4000 / 8, .size = 0x0208},

@@ -1,6 +1,6 @@
 #pragma once
-// Writing VDP1 command tables the way a game does, through any 16-bit VRAM
-// write (the object's port in unit and GL tests, the export in host tests).
+// Writing VDP1 command tables the way a game does, through any 16-bit VRAM write (the object's port in unit and GL
+// tests, the export in host tests).
 #include <cstdint>
 #include <functional>
 #include <initializer_list>

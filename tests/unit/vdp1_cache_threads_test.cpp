@@ -1,7 +1,6 @@
-// The texture cache as three threads meet it: the emulation thread draws
-// frames and changes VRAM, the editor reads the cached patterns under the
-// cache lock, the control panel flips part switches and asks for cache
-// clears. Run under ThreadSanitizer by `make test-tsan`.
+// The texture cache as three threads meet it: the emulation thread draws frames and changes VRAM, the editor reads the
+// cached patterns under the cache lock, the control panel flips part switches and asks for cache clears. Run under
+// ThreadSanitizer by `make test-tsan`.
 #include <atomic>
 #include <chrono>
 #include <cstring>
@@ -51,8 +50,8 @@ TEST_F(Vdp1CacheThreadsTest, EditorAndPanelMeetTheEmulationThreadSafely) {
     });
     // At least 300 frames, and on until the editor has looked a few times.
     for (int frame = 0; frame < 300 || ((editorPasses.load() < 20 || seen.load() == 0) && frame < 1000000); ++frame) {
-        // One pattern changes each frame; every other frame does not draw,
-        // so the purge deletes it while the editor may be looking.
+        // One pattern changes each frame; every other frame does not draw, so the purge deletes it while the editor may
+        // be looking.
         vram(0x4000 + static_cast<uint32_t>(frame % 4) * 0x100, static_cast<uint16_t>(frame));
         vdp1->WriteRegister(vdp1reg::PTMR, frame % 2 ? 0 : 2);
         vdp2->OnVblankOut();

@@ -1,7 +1,6 @@
-// Drawing parts built straight from command tables: what the host frame
-// tests cannot show one number at a time — corners of every kind with local
-// coordinates and scale, the colour arithmetic of gouraud shading and colour
-// offsets, and the sprite's palette block.
+// Drawing parts built straight from command tables: what the host frame tests cannot show one number at a time —
+// corners of every kind with local coordinates and scale, the colour arithmetic of gouraud shading and colour offsets,
+// and the sprite's palette block.
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -43,15 +42,15 @@ protected:
     const CVdp1SpritePart& Sprite(const std::unique_ptr<CVdp1Part>& p) {
         return static_cast<const CVdp1SpritePart&>(*p);
     }
-    // Sprite colour offset set A (red -0.5, green +0.25, blue 0) or set B
-    // (red +0.125, green -0.0625, blue +0.25 from a value beyond 9 bits).
+    // Sprite colour offset set A (red -0.5, green +0.25, blue 0) or set B (red +0.125, green -0.0625, blue +0.25 from a
+    // value beyond 9 bits).
     void SetColorOffsets(uint16_t clofen, uint16_t clofsl) {
         for (auto [reg, value] : {std::pair{COAR, 0x180}, {COAG, 0x040}, {COAB, 0x000}, {COBR, 0x020},
                                   {COBG, 0x1F0}, {COBB, 0x0E40}, {CLOFEN, clofen}, {CLOFSL, clofsl}})
             vdp2->WriteRegisterWord(reg, static_cast<uint16_t>(value));
     }
-    // Gouraud words for corners A-D at VRAM 0x800 (CMDGRDA 0x100): all +0.46875,
-    // all -0.5, neutral, red +0.46875 with green and blue -0.5.
+    // Gouraud words for corners A-D at VRAM 0x800 (CMDGRDA 0x100): all +0.46875, all -0.5, neutral, red +0.46875 with
+    // green and blue -0.5.
     void WriteGouraudTable() { test::WriteWords(writer, 0x800, {0x7FFF, 0x0000, 0x4210, 0x001F}); }
 
     test::WordWriter writer = [this](uint32_t a, uint16_t v) { vdp1->WriteVramWord(a, v); };

@@ -1,8 +1,7 @@
-// The VDP1 texture cache as frames use it, counted: patterns, textures and
-// bytes kept, overlaps and invalidation, the memory budget, replacement sets,
-// and what the editor reads. The pictures are the host frame tests'. Without
-// a GL context the names are 0, but the cache keeps its records all the same;
-// a part has a texture when its texture coordinates are set.
+// The VDP1 texture cache as frames use it, counted: patterns, textures and bytes kept, overlaps and invalidation, the
+// memory budget, replacement sets, and what the editor reads. The pictures are the host frame tests'. Without a GL
+// context the names are 0, but the cache keeps its records all the same; a part has a texture when its texture
+// coordinates are set.
 #include <cstring>
 #include <mutex>
 #include <string>
@@ -139,8 +138,8 @@ TEST_F(Vdp1TextureBudgetTest, OldestTexturesGoFirstAndAFrameKeepsWhatItDrawsUpTo
 }
 
 TEST_F(Vdp1TextureBudgetTest, ATextureGivenBackUnderAReplacementSetIsGeneratedAgain) {
-    // While a set is active no texture is added to a pattern: one that lost
-    // its texture is built again as it was first built.
+    // While a set is active no texture is added to a pattern: one that lost its texture is built again as it was first
+    // built.
     Pattern::EnableReplacementTextures({{"unused.tif", 0x12345678, 0x0100}});
     Pattern::SetTextureBudget(2 * kTexture);
     const Command wide = Table(1), narrow = Sprite(0x1000, 0x0108, 1, 0x0400 + 4 * 2),
@@ -192,8 +191,7 @@ TEST_F(Vdp1TextureCacheTest, DescriptionNamesEachColourModeWithItsBankOrTable) {
     }
 }
 
-// The table as the VRAM ports, the purge, the clear and the editor's listing
-// meet it, with patterns entered by hand.
+// The table as the VRAM ports, the purge, the clear and the editor's listing meet it, with patterns entered by hand.
 class Vdp1PatternTableTest : public VdpTest {
 protected:
     using Patterns = std::vector<CVdp1CharacterPattern*>;

@@ -1,5 +1,5 @@
-// CVdp2's colour RAM: writes by colour RAM mode, reads, the double buffer and
-// its per-frame change stamps, sprite colour lookup and colour conversion.
+// CVdp2's colour RAM: writes by colour RAM mode, reads, the double buffer and its per-frame change stamps, sprite
+// colour lookup and colour conversion.
 #include <algorithm>
 #include <array>
 #include <cstdint>
@@ -14,8 +14,7 @@ using namespace vdp2reg;
 
 class Vdp2CramTest : public test::VdpTest {
 protected:
-    // The colour RAM mode comes from RAMCTL bits 13-12; the other bits are set
-    // to show that they do not matter.
+    // The colour RAM mode comes from RAMCTL bits 13-12; the other bits are set to show that they do not matter.
     void SetCramMode(uint16_t mode) { vdp2->WriteRegisterWord(RAMCTL, static_cast<uint16_t>((mode << 12) | 0x0301)); }
     std::vector<uint16_t> ActiveBuffer() const { return {vdp2->cram, vdp2->cram + CVdp2::kCramEntries}; }
     static long CountNonZero(const uint32_t* stamps, int n) {
