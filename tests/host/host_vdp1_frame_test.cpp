@@ -227,11 +227,7 @@ protected:
 };
 
 TEST_F(HostVdp1FrameTest, NormalSpriteShowsItsTexelsOnItsRectangleInEveryColourModeAndFlip) {
-    struct Case {
-        uint16_t mode, colr;
-        bool ecd, spd;
-        uint16_t direction;
-    };
+    struct Case { uint16_t mode, colr; bool ecd, spd; uint16_t direction; };
     const Case cases[] = {
         {0, 0x0230, false, false, 0}, {1, kLut / 8, false, false, 0}, {2, 0x01C0, false, false, 0},
         {3, 0x0180, false, false, 0}, {4, 0x0300, false, false, 0},   {5, 0, false, false, 0},
@@ -260,13 +256,8 @@ TEST_F(HostVdp1FrameTest, ScaledSpriteCoversItsRectangle) {
     const Pattern textured = MakePattern(5), uniform = Uniform(0x4E73);
     WritePattern(0x4000, textured);
     WritePattern(0x5000, uniform);
-    struct Case {
-        const Pattern* p;
-        uint32_t address;
-        uint16_t zoom;
-        int16_t xa, ya, xb, yb, xc, yc;
-        int x0, y0, x1, y1;
-    };
+    struct Case { const Pattern* p; uint32_t address; uint16_t zoom; int16_t xa, ya, xb, yb, xc, yc;
+                  int x0, y0, x1, y1; };
     const Case cases[] = {
         {&textured, 0x4000, 0, 50, 40, 0, 0, 81, 55, 50, 40, 82, 56},        // twice the size
         {&uniform, 0x5000, 0, 100, 150, 0, 0, 103, 151, 100, 150, 104, 152},  // shrunk

@@ -106,17 +106,12 @@ TEST_F(Vdp1TextureCacheTest, CrcCoversTheDataAsTheHostArrayHoldsIt) {
 }
 
 // A 16 x 8 lookup-table pattern drawn with the tables at 0x2000 + 32 n.
-class Vdp1TextureBudgetTest : public Vdp1TextureCacheTest {
-protected:
-    static constexpr uint64_t kTexture = 16 * 8 * 4 + CVdp1TextureStore::kOverheadBytes;
-    void SetUp() override {
-        Vdp1TextureCacheTest::SetUp();
-        FillData(0x1000, 64);
-    }
-    static Command Table(uint16_t n) { return Sprite(0x1000, 0x0208, 1, 0x0400 + 4 * n); }
-};
+constexpr uint64_t kTexture = 16 * 8 * 4 + CVdp1TextureStore::kOverheadBytes;
+Command Table(uint16_t n) { return {.pmod = 8, .colr = uint16_t(0x0400 + 4 * n), .srca = 0x1000 / 8, .size = 0x0208}; }
+using Vdp1TextureBudgetTest = Vdp1TextureCacheTest;
 
 TEST_F(Vdp1TextureBudgetTest, OldestTexturesGoFirstAndAFrameKeepsWhatItDrawsUpToTwiceTheBudget) {
+    FillData(0x1000, 64);
     Pattern::SetTextureBudget(3 * kTexture);
     for (uint16_t n = 0; n < 8; ++n) {
         EXPECT_EQ(Draw({Table(n)}), std::vector<bool>{true}) << n;
@@ -142,6 +137,7 @@ TEST_F(Vdp1TextureBudgetTest, ATextureGivenBackUnderAReplacementSetIsGeneratedAg
     // built.
     Pattern::EnableReplacementTextures({{"unused.tif", 0x12345678, 0x0100}});
     Pattern::SetTextureBudget(2 * kTexture);
+    FillData(0x1000, 64);
     const Command wide = Table(1), narrow = Sprite(0x1000, 0x0108, 1, 0x0400 + 4 * 2),
                   other = Sprite(0x1800, 0x0208, 1, 0x0400 + 4 * 3);
     FillData(0x1800, 64);
