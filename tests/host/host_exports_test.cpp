@@ -1,6 +1,7 @@
 // The plug-in as a host sees it: build/libvdpgl.so loaded with dlopen and
 // driven only through its exports. The chips' behaviour is tested in the unit
-// tests; these check that each export reaches it.
+// tests; these check that each export reaches it, the capture of a presented
+// frame at the rendering size included.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -123,6 +124,32 @@ TEST_F(HostExportsTest, ResetAndStartKeepVdp1MemoryAndClearVdp2AndNothingAnswers
     x().DeInitPlugin();
     initialised = false;
     EXPECT_EQ(x().ReadLongVDP1VRAM(0x100), 0u);
+}
+
+TEST_F(HostExportsTest, OnlyAPresentedFrameIsCapturedAtTheRenderingSizeRunAfterRun) {
+    std::vector<unsigned char> rgba(640 * 480 * 4);
+    const auto capture = [&](int w, int h) { return x().CaptureDisplay(rgba.data(), w, h); };
+    int w = 0, h = 0;  // the rendering size
+    Init();
+    for (int run = 0; run < 2; ++run) {
+        SCOPED_TRACE(run);
+        x().EmulationThreadStarting();
+        x().GetDisplaySize(&w, &h);
+        EXPECT_EQ(w * 1000 + h, run ? 320224 : 320240) << "the size of the last TVMD decoding";
+        EXPECT_EQ(capture(320, run ? 224 : 240), 0) << "nothing presented yet";
+        x().WriteWordVDP2Regs(0x000, 0x8000);  // display on, 320 x 224
+        x().WriteWordVDP1Regs(0x04, 0x0002);    // drawing automatically
+        x().WriteWordVDP1Regs(0x00, 0x0008);    // VBE: not one-cycle mode, and no change asked for
+        x().VDPOnVblankOut();
+        EXPECT_EQ(capture(320, 224), 0) << "VDP1 changed no frame buffer";
+        x().WriteWordVDP1Regs(0x00, 0x0000);  // one-cycle mode
+        x().VDPOnVblankOut();
+        EXPECT_EQ(capture(320, 224), 1);
+        EXPECT_EQ(capture(320, 240), 0) << "a size that does not match";
+        x().EmulationThreadStoping();
+        EXPECT_EQ(capture(320, 224), 0) << "no picture without a context";
+        x().VDPOnVblankOut();  // harmless while stopped
+    }
 }
 
 }  // namespace

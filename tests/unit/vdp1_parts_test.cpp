@@ -3,6 +3,7 @@
 // and the sprite's palette block.
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <cstdint>
 #include <memory>
 #include <utility>
@@ -19,9 +20,8 @@ using test::Command;
 using Corners = std::vector<std::pair<int, int>>;
 
 void ExpectRgb(const Vdp1Rgb& c, Vdp1Rgb e) {
-    EXPECT_NEAR(c.red, e.red, 1e-5f);
-    EXPECT_NEAR(c.green, e.green, 1e-5f);
-    EXPECT_NEAR(c.blue, e.blue, 1e-5f);
+    EXPECT_LT(std::abs(c.red - e.red) + std::abs(c.green - e.green) + std::abs(c.blue - e.blue), 1e-5f)
+        << c.red << "," << c.green << "," << c.blue << " is not " << e.red << "," << e.green << "," << e.blue;
 }
 
 class Vdp1PartsTest : public test::VdpTest {
@@ -39,9 +39,7 @@ protected:
         default: return std::make_unique<CVdp1Line>(t, localX, localY);
         }
     }
-    const CVdp1SpritePart& Sprite(const std::unique_ptr<CVdp1Part>& p) {
-        return static_cast<const CVdp1SpritePart&>(*p);
-    }
+    const CVdp1SpritePart& Sprite(const std::unique_ptr<CVdp1Part>& p) { return static_cast<CVdp1SpritePart&>(*p); }
     // Sprite colour offset set A (red -0.5, green +0.25, blue 0) or set B (red +0.125, green -0.0625, blue +0.25 from a
     // value beyond 9 bits).
     void SetColorOffsets(uint16_t clofen, uint16_t clofsl) {
