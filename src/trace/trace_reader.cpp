@@ -23,8 +23,19 @@ bool IsEvent(uint8_t op) {
 
 }  // namespace
 
-CTraceReader::~CTraceReader() {
+CTraceReader::~CTraceReader() { Close(); }
+
+void CTraceReader::Close() {
     if (file && ownsFile) std::fclose(file);
+    file = nullptr;
+    ownsFile = false;
+    device = 0;
+    inode = 0;
+    block.clear();
+    position = 0;
+    blockOffset = consumed = fileSize = trailing = 0;
+    sawEnd = failed = false;
+    error.clear();
 }
 
 CTraceReader::Status CTraceReader::Fail(uint64_t offset, const std::string& what) {
@@ -40,6 +51,7 @@ size_t CTraceReader::Read(void* into, size_t size) {
 }
 
 bool CTraceReader::Open(const std::string& path) {
+    Close();  // nothing of an earlier trace stays
     if (path == "-") {
         name = "standard input";
         file = stdin;

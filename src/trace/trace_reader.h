@@ -54,6 +54,7 @@ public:
     bool IsSameFile(const std::string& other) const;
 
 private:
+    void Close();
     Status Fail(uint64_t offset, const std::string& what);
     bool LoadBlock(Status& status);
     // Reads up to `size` bytes; fewer only at the end of the input.

@@ -1,6 +1,5 @@
 #include "vdp1/vdp1.h"
 
-
 #include "common/pattern_table.h"
 #include "render/opengl/opengl.h"
 #include "vdp2/vdp2.h"

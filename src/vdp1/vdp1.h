@@ -20,7 +20,6 @@ namespace vdpgl {
 class COpenGl;
 class CVdp2;
 
-
 // What the frame control decided at a V-blank-out.
 struct Vdp1FrameActions {
     bool draw = false;

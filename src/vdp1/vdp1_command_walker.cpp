@@ -68,7 +68,7 @@ void CVdp1::BuildPartsListVectors() {
             }
         }
 
-    const uint16_t link = command[Vdp1CommandTable::CMDLINK];
+        const uint16_t link = command[Vdp1CommandTable::CMDLINK];
         const uint16_t next = static_cast<uint16_t>(current + 4);
         switch (command.JumpMode() & 3) {
         case 0: current = next; break;

@@ -136,7 +136,6 @@ private:
     void OnRegisterWritten(uint32_t address, uint16_t value);
     void RefreshReadRegister(uint32_t address);
     void UpdateScreenSize();
-    void UpdateSpritePriorityBits();
     // Stores a register and decodes it if it changed.
     void StoreRegister(uint32_t address, uint16_t value);
     void MergeCramByte(uint32_t index, uint32_t a, uint8_t v);
