@@ -66,6 +66,8 @@ TEST_F(Vdp1TextureCacheTest, OneTexturePerPaletteAndOnePatternPerSizeAndModeOnAn
         EXPECT_EQ(Pattern::PatternCount(), 3);
         EXPECT_EQ(Pattern::TextureCount(), 4);
     }
+    for (uint16_t w = 4; w <= 9; ++w) Draw({Sprite(0x1000, uint16_t(w << 8 | 8), 0, 0x0100)});
+    EXPECT_EQ(Pattern::PatternCount(), 1) << "a ninth pattern on one address starts the address afresh";
 }
 
 TEST_F(Vdp1TextureCacheTest, OverlapsRetireAndWritesThatChangeAValueInvalidate) {

@@ -174,10 +174,9 @@ CVdp1CharacterPattern* CVdp1CharacterPattern::UseTexture(CVdp1SpritePart& part) 
         Retire(group);
         group = nullptr;
     }
-    // What Compare decides, with one lookup of the texture.
     CVdp1CharacterPattern* pattern = group;
-    while (pattern && !pattern->HoldsCharacterOf(part)) pattern = pattern->nextVariant;
-    CVdp1Texture* texture = pattern && pattern->textures ? statics.textures.Find(pattern, TextureKey(part)) : nullptr;
+    CVdp1Texture* texture = nullptr;
+    while (pattern && pattern->Compare(part, &texture) == kPatternOtherPart) pattern = pattern->nextVariant;
     const bool found = texture != nullptr;
     if (!found) {
         if (!RoomForAnotherTexture()) return pattern;
@@ -384,26 +383,20 @@ CVdp1Texture* CVdp1CharacterPattern::AddTexture(const CVdp1SpritePart& part) {
     return FileTexture(part, id, true);
 }
 
-Vdp1PatternMatch CVdp1CharacterPattern::Compare(const CVdp1SpritePart& part) const {
+Vdp1PatternMatch CVdp1CharacterPattern::Compare(const CVdp1SpritePart& part, CVdp1Texture** found) const {
     statics.log.Log("comparing pattern data\n");
     if (!HoldsCharacterOf(part)) {
         statics.log.Log("\tdifferent part\n");
         return kPatternOtherPart;
     }
-    if (colorMode <= 5 && !statics.textures.Find(this, TextureKey(part))) {
+    CVdp1Texture* texture = textures ? statics.textures.Find(this, TextureKey(part)) : nullptr;
+    if (found) *found = texture;
+    if (!texture) {
         statics.log.Log("\tdifferent palette\n");
         return kPatternOtherPalette;
     }
     statics.log.Log("\tequal\n");
     return kPatternEqual;
-}
-
-uint32_t CVdp1CharacterPattern::GetTextureId(const CVdp1SpritePart& part) const {
-    statics.log.Log("looking for texture\n");
-    VDPGL_CHECK_OR_RETURN(part.colorMode <= 5, "vdp1_character_pattern", 0u);
-    const CVdp1Texture* texture = statics.textures.Find(this, TextureKey(part));
-    if (!texture || !texture->id) statics.log.Log("\ttexture not found!\n");
-    return texture ? texture->id : 0u;
 }
 
 bool CVdp1CharacterPattern::FindReplacementTexture(const CVdp1SpritePart& part, Vdp1ReplacementTexture& found) const {

@@ -102,8 +102,9 @@ public:
     // Each returns the texture it filed for the part's palette, or null.
     CVdp1Texture* GenerateTexture(const CVdp1SpritePart& part);
     CVdp1Texture* AddTexture(const CVdp1SpritePart& part);
-    Vdp1PatternMatch Compare(const CVdp1SpritePart& part) const;
-    uint32_t GetTextureId(const CVdp1SpritePart& part) const;
+    // Whether the pattern is the part's character and has a texture for its
+    // palette; the texture itself goes to found when asked for.
+    Vdp1PatternMatch Compare(const CVdp1SpritePart& part, CVdp1Texture** found = nullptr) const;
     bool FindReplacementTexture(const CVdp1SpritePart& part, Vdp1ReplacementTexture& found) const;
 
     // For the editor: the pattern as a tight width x height picture (the
