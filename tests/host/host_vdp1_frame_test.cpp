@@ -171,11 +171,7 @@ protected:
         unsetenv("VDPGL_TEXTURE_MEMORY_MB");
         HostTest::TearDown();
     }
-    void Stop() {
-        x().EmulationThreadStoping();
-        x().DeInitPlugin();
-        initialised = false;
-    }
+    void Stop() { x().EmulationThreadStoping(), x().DeInitPlugin(), initialised = false; }
 
     WordWriter Vram() {
         return [this](uint32_t a, uint16_t v) { x().WriteWordVDP1VRAM(a, v); };
@@ -216,10 +212,9 @@ protected:
         }
         EXPECT_EQ(wrong, 0) << "pixels that differ";
     }
-    int Lit(int x0, int y0, int x1, int y1) {
+    int Lit(int x0, int y0, int x1, int y1) {  // pixels of the rectangle that are not transparent black
         int n = 0;
-        for (int y = y0; y < y1; ++y)
-            for (int x = x0; x < x1; ++x) n += !(shown.At(x, y) == kClear);
+        for (int i = 0, w = x1 - x0; i < w * (y1 - y0); ++i) n += !(shown.At(x0 + i % w, y0 + i / w) == kClear);
         return n;
     }
 

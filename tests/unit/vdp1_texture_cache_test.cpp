@@ -159,9 +159,8 @@ TEST_F(Vdp1TextureCacheTest, EditorReadsImageAndDescriptionOfTheDrawingParts) {
     Draw({{.pmod = 0x80, .colr = 0x0120, .srca = 0x1000 / 8, .size = 0x0102}});  // 8 x 2; ECD: code 15 is a colour
     Draw({});  // the walk's parts are gone after the next one; the pattern still knows
     std::lock_guard lock(vdp1->cacheMutex);
-    uint32_t image[16];
-    std::memset(image, 0xAB, sizeof image);
-    vdp1->GetPattern(0x1000)->GetImage(image);
+    std::vector<uint32_t> image(16, 0xABABABAB);
+    vdp1->GetPattern(0x1000)->GetImage(image.data());
     const uint32_t g = 0xFF00F800u, o = 0, b = vdp2->GetSpriteColor(0x12F);
     const uint32_t expected[16] = {g, g, o, o, o, o, b, b, b, o, b, o, o, g, o, g};
     for (int i = 0; i < 16; ++i) EXPECT_EQ(image[i], expected[i]) << i;
