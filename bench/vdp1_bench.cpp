@@ -8,7 +8,7 @@
 #include <memory>
 #include <vector>
 
-#include "../tests/support/vdp1_commands.h"
+#include "bench_chips.h"
 #include "render/opengl/opengl.h"
 #include "vdp1/vdp1.h"
 #include "vdp1/vdp1_part.h"
@@ -19,31 +19,7 @@ namespace {
 using vdpgl::test::Command;
 using vdpgl::test::kNormalSpriteCmd;
 
-struct Chips {
-    vdpgl::COpenGl renderer{nullptr};
-    std::unique_ptr<vdpgl::CVdp2> vdp2 = std::make_unique<vdpgl::CVdp2>(renderer);
-    std::unique_ptr<vdpgl::CVdp1> vdp1 = std::make_unique<vdpgl::CVdp1>(renderer);
-    Chips() {
-        vdp1->Link(*vdp2);
-        vdp2->Link(*vdp1);
-    }
-    ~Chips() {
-        vdp1.reset();  // patterns delete their textures while the context exists
-        renderer.ReleaseGl();
-    }
-    vdpgl::test::WordWriter Vram() {
-        return [this](uint32_t a, uint16_t v) { vdp1->WriteVramWord(a, v); };
-    }
-};
-
-// Pattern data that uses every pixel code: a simple generator, no zeros only.
-void FillPatternData(Chips& chips, uint32_t address, uint32_t bytes, uint32_t seed) {
-    uint32_t x = seed * 2654435761u + 1;
-    for (uint32_t i = 0; i < bytes; i += 2) {
-        x = x * 1664525u + 1013904223u;
-        chips.vdp1->WriteVramWord(address + i, static_cast<uint16_t>(x >> 16));
-    }
-}
+using vdpgl::bench::Chips;
 
 // A full colour RAM and, at 0x7F000, sixteen 16-entry lookup tables.
 void FillPalettes(Chips& chips) {
@@ -58,7 +34,7 @@ constexpr uint32_t kPatternBase = 0x20000, kPatternStride = 0x800;  // 16 x 16, 
 // 4,000 normal sprites over eight 16 x 16 patterns in all six colour modes,
 // each drawn with one of four palettes, spread over the screen.
 void WriteSpriteList(Chips& chips) {
-    for (int k = 0; k < kPatterns; ++k) FillPatternData(chips, kPatternBase + k * kPatternStride, 512, k + 1);
+    for (int k = 0; k < kPatterns; ++k) chips.FillPatternData(kPatternBase + k * kPatternStride, 512, k + 1);
     for (int i = 0; i < kSprites; ++i) {
         const int pattern = i % kPatterns;
         const uint16_t mode = static_cast<uint16_t>(pattern % 6);
@@ -116,7 +92,7 @@ void Vdp1DecodeTexture(benchmark::State& state) {
     const auto mode = static_cast<uint32_t>(state.range(0));
     Chips chips;
     FillPalettes(chips);
-    FillPatternData(chips, 0x10000, kSize * kSize * 2, 7);
+    chips.FillPatternData(0x10000, kSize * kSize * 2, 7);
 
     vdpgl::CVdp1SpritePart part;
     part.colorMode = mode;

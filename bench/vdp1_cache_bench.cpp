@@ -14,11 +14,8 @@
 #include <fstream>
 #include <memory>
 
-#include "../tests/support/vdp1_commands.h"
-#include "render/opengl/opengl.h"
-#include "vdp1/vdp1.h"
+#include "bench_chips.h"
 #include "vdp1/vdp1_registers.h"
-#include "vdp2/vdp2.h"
 
 namespace {
 
@@ -31,34 +28,16 @@ long ResidentBytes() {
     return resident * 4096;
 }
 
-struct Chips {
-    vdpgl::COpenGl renderer{nullptr};
-    std::unique_ptr<vdpgl::CVdp2> vdp2 = std::make_unique<vdpgl::CVdp2>(renderer);
-    std::unique_ptr<vdpgl::CVdp1> vdp1 = std::make_unique<vdpgl::CVdp1>(renderer);
+// The chips with a headless context, in one-cycle mode with automatic
+// drawing (every frame walks and draws), and a colour RAM of distinct colours.
+struct Chips : vdpgl::bench::Chips {
     Chips() {
         setenv("VDPGL_HEADLESS", "1", 0);
-        vdp1->Link(*vdp2);
-        vdp2->Link(*vdp1);
         renderer.InitGl(nullptr);
-        // One-cycle mode with automatic drawing: every frame walks and draws.
         vdp1->WriteRegister(vdpgl::vdp1reg::PTMR, 2);
         for (uint32_t i = 0; i < 2048; ++i) vdp2->WriteCramWord(i * 2, static_cast<uint16_t>(0x8000 | (i * 37)));
     }
-    ~Chips() {
-        vdp1.reset();  // patterns delete their textures while the context exists
-        renderer.ReleaseGl();
-    }
     void Word(uint32_t a, uint16_t v) { vdp1->WriteVramWord(a, v); }
-    vdpgl::test::WordWriter Vram() {
-        return [this](uint32_t a, uint16_t v) { Word(a, v); };
-    }
-    void Fill(uint32_t address, uint32_t bytes, uint32_t seed) {
-        uint32_t x = seed * 2654435761u + 1;
-        for (uint32_t i = 0; i < bytes; i += 2) {
-            x = x * 1664525u + 1013904223u;
-            Word(address + i, static_cast<uint16_t>(x >> 16));
-        }
-    }
 };
 
 // What the cache holds: texels plus each texture's fixed charge.
@@ -87,8 +66,8 @@ void ManyLookupTables(benchmark::State& state) {
     if (SkipWithoutContext(state, chips)) return;
     constexpr int kSprites = 40;
     constexpr uint32_t kTables = 0x50000, kTableCount = (0x7F000 - kTables) / 32;
-    chips.Fill(kPatternAddress, 504 * 255 / 2, 1);
-    chips.Fill(kTables, kTableCount * 32, 2);
+    chips.FillPatternData(kPatternAddress, 504 * 255 / 2, 1);
+    chips.FillPatternData(kTables, kTableCount * 32, 2);
     for (int i = 0; i < kSprites; ++i)
         vdpgl::test::WriteCommand(chips.Vram(), i * 0x20,
                                   Command{.pmod = 1 << 3, .srca = kPatternAddress / 8, .size = 0x3FFF, .xa = 1000});
@@ -109,7 +88,7 @@ void ManyColorBanks(benchmark::State& state) {
     Chips chips;
     if (SkipWithoutContext(state, chips)) return;
     constexpr int kSprites = 2000;
-    chips.Fill(kPatternAddress, kSprites * 32, 3);
+    chips.FillPatternData(kPatternAddress, kSprites * 32, 3);
     for (int i = 0; i < kSprites; ++i)
         vdpgl::test::WriteCommand(chips.Vram(), i * 0x20,
                                   Command{.srca = static_cast<uint16_t>((kPatternAddress + i * 32) / 8),
@@ -134,7 +113,7 @@ void OneAddress(benchmark::State& state) {
     if (SkipWithoutContext(state, chips)) return;
     constexpr int kSprites = 4000;
     const bool alternate = state.range(0) != 0;
-    chips.Fill(kPatternAddress, 64, 4);
+    chips.FillPatternData(kPatternAddress, 64, 4);
     for (int i = 0; i < kSprites; ++i)
         vdpgl::test::WriteCommand(
             chips.Vram(), i * 0x20,
