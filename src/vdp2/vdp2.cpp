@@ -6,6 +6,7 @@
 #include "common/color_word.h"
 #include "common/pattern_table.h"
 #include "render/opengl/opengl.h"
+#include "vdp2/background/normal_background.h"
 
 namespace vdpgl {
 
@@ -24,15 +25,20 @@ constexpr uint32_t kMirrorOffset = 1024;  // colour RAM mode 0 mirrors its first
 
 CVdp2::CVdp2(COpenGl& r) : renderer(&r), cram(cramBuffers[0]) {
     FillRgb555Table(colorTable);
-    for (int bg = 0; bg < kBackgroundCount; ++bg)
-        backgroundLogs[bg].SetUp((std::string(kBackgroundNames[bg]) + ".log").c_str());
+    CBackground::InitializeBackgroundStatics(this, renderer);
+    for (uint32_t bg = kNbg0; bg <= kNbg3; ++bg) backgrounds[bg] = std::make_unique<CNormalBackground>(bg);
+    // The rotation planes keep the common fields only; they draw nothing yet.
+    for (uint32_t bg = kRbg0; bg <= kRbg1; ++bg) backgrounds[bg] = std::make_unique<CBackground>(bg);
     CVdp2CharacterPattern::InitializeModule(this, renderer);
     frameCounter = 0;
     ResetVdp2();
     log.SetUp("vdp2.log");
 }
 
-CVdp2::~CVdp2() { ClearCellCache(); }
+CVdp2::~CVdp2() {
+    ClearCellCache();
+    bitmapWriteListeners = {};
+}
 
 void CVdp2::ResetVdp2() {
     oddField = vblank = hblank = pal = false;
@@ -52,6 +58,8 @@ void CVdp2::ResetVdp2() {
     paletteAllStamp = 0;
     std::memset(spritePriorities, 0, sizeof spritePriorities);
     ClearCellCache();
+    for (auto& background : backgrounds)
+        if (background) background->Reset();
     verticalDoubled = interlaced = false;
     // frameCounter, cramMode and the sprite type decoding keep their values
     // until RAMCTL and SPCTL are written again.
@@ -287,15 +295,59 @@ void CVdp2::DrawBackgrounds(int priority) {
     if (priority == 0 || !DisplayEnabled()) return;
     // At one level the later background covers the earlier: NBG0 covers
     // NBG1 covers NBG2 covers NBG3, and the rotation backgrounds cover them.
-    static constexpr int kOrder[] = {3, 2, 1, 0, 4, 5};
+    static constexpr int kOrder[] = {kNbg3, kNbg2, kNbg1, kNbg0, kRbg0, kRbg1};
     for (int bgNumber : kOrder) {
-        CBackground* background = backgrounds[bgNumber];
+        CBackground* background = backgrounds[bgNumber].get();
         if (background && background->GetPriority() == static_cast<uint32_t>(priority)) background->Draw();
     }
 }
 
-void CVdp2::SetBackground(int bgNumber, CBackground* background) {
-    if (bgNumber >= 0 && bgNumber < kBackgroundCount) backgrounds[bgNumber] = background;
+void CVdp2::ReplaceBackground(int bgNumber, std::unique_ptr<CBackground> background) {
+    if (bgNumber < 0 || bgNumber >= kBackgroundCount) return;
+    if (bgNumber < 2) bitmapWriteListeners[bgNumber] = nullptr;
+    backgrounds[bgNumber] = std::move(background);
+}
+
+bool CVdp2::IsBackgroundDisabled(int bgNumber) const {
+    const CBackground* bg = Background(bgNumber);
+    return bg && bg->disabled.load(std::memory_order_relaxed);
+}
+
+void CVdp2::SetBackgroundDisabled(int bgNumber, bool off) {
+    if (CBackground* bg = Background(bgNumber)) bg->disabled.store(off ? 1 : 0, std::memory_order_relaxed);
+}
+
+bool CVdp2::IsBackgroundFiltered(int bgNumber) const {
+    const CBackground* bg = Background(bgNumber);
+    return bg && bg->filtered.load(std::memory_order_relaxed);
+}
+
+void CVdp2::SetBackgroundFiltered(int bgNumber, bool on) {
+    if (CBackground* bg = Background(bgNumber)) bg->filtered.store(on ? 1 : 0, std::memory_order_relaxed);
+}
+
+bool CVdp2::IsBackgroundInCellMode(int bgNumber) const {
+    const CBackground* bg = Background(bgNumber);
+    return bg && bg->IsCellMode();
+}
+
+std::string CVdp2::GetBackgroundInformation(int bgNumber) const {
+    std::string text;
+    if (const CBackground* bg = Background(bgNumber)) bg->GetInformation(text);
+    return text;
+}
+
+void CVdp2::GetBackgroundSize(int bgNumber, uint32_t& width, uint32_t& height) const {
+    width = height = 0;
+    if (const CBackground* bg = Background(bgNumber)) bg->GetSize(width, height);
+}
+
+void CVdp2::DecodeBackgroundBitmap(int bgNumber, uint32_t* pixels) {
+    if (CBackground* bg = Background(bgNumber)) bg->DecodeBitmap(pixels);
+}
+
+void CVdp2::RenderBackgroundPlane(int bgNumber, uint32_t plane, uint32_t* pixels) {
+    if (CBackground* bg = Background(bgNumber)) bg->RenderPlane(plane, pixels);
 }
 
 uint32_t CVdp2::GetPaletteStamp(uint32_t block, uint32_t kind) const {
@@ -310,6 +362,9 @@ uint32_t CVdp2::GetPaletteStamp(uint32_t block, uint32_t kind) const {
 // Blanking ----------------------------------------------------------------
 
 void CVdp2::OnVblankOut() {
+    if (cellCacheClearRequested.exchange(false, std::memory_order_relaxed)) ClearCellCache();
+    for (auto& background : backgrounds)
+        if (background) background->UpdateFromRegisters();
     vblank = false;
     lineCounter = 0;
     frameCounter += 1;

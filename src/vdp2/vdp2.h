@@ -2,7 +2,10 @@
 // CVdp2: VDP2's register file, VRAM and double-buffered colour RAM, colour
 // conversion, status registers and the duties of the blanking events.
 #include <array>
+#include <atomic>
 #include <cstdint>
+#include <memory>
+#include <string>
 #include <vector>
 
 #include "common/console_vram.h"
@@ -17,6 +20,34 @@ namespace vdpgl {
 
 class COpenGl;
 class CVdp1;
+
+// What the cell cache holds, readable from any thread (the control panel,
+// the player's report).
+class CCellCacheCounters {
+public:
+    uint32_t Cells() const { return cells.load(std::memory_order_relaxed); }
+    uint32_t Pictures() const { return pictures.load(std::memory_order_relaxed); }
+    uint64_t Bytes() const { return bytes.load(std::memory_order_relaxed); }
+
+    void OnCellCreated(uint64_t cellBytes) {
+        cells.fetch_add(1, std::memory_order_relaxed);
+        bytes.fetch_add(cellBytes, std::memory_order_relaxed);
+    }
+    void OnPictureCreated(uint64_t pictureBytes) {
+        pictures.fetch_add(1, std::memory_order_relaxed);
+        bytes.fetch_add(pictureBytes, std::memory_order_relaxed);
+    }
+    void OnCellDeleted(uint64_t cellBytes, uint32_t cellPictures, uint64_t pictureBytes) {
+        cells.fetch_sub(1, std::memory_order_relaxed);
+        pictures.fetch_sub(cellPictures, std::memory_order_relaxed);
+        bytes.fetch_sub(cellBytes + cellPictures * pictureBytes, std::memory_order_relaxed);
+    }
+
+private:
+    std::atomic<uint32_t> cells{0};
+    std::atomic<uint32_t> pictures{0};
+    std::atomic<uint64_t> bytes{0};
+};
 
 class CVdp2 {
 public:
@@ -84,11 +115,31 @@ public:
     // Draws the backgrounds of one priority level, NBG3 first and RBG1 last;
     // nothing at priority 0 or while the display is off.
     void DrawBackgrounds(int priority);
-    // Puts a background in its slot (bgNumber 0-5) for composition.
-    void SetBackground(int bgNumber, CBackground* background);
+    // Puts another background in slot bgNumber (0-5); for tests.
+    void ReplaceBackground(int bgNumber, std::unique_ptr<CBackground> background);
+    CBackground* Background(int bgNumber) const {
+        return bgNumber >= 0 && bgNumber < kBackgroundCount ? backgrounds[bgNumber].get() : nullptr;
+    }
 
+    // The cell cache. ClearCellCache runs on the emulation thread; the menu
+    // asks for it from its own thread and the next V-blank-out clears.
     void ClearCellCache();
+    void RequestCellCacheClear() { cellCacheClearRequested.store(true, std::memory_order_relaxed); }
+    const CCellCacheCounters& CellCache() const { return cellCache; }
     void SetBitmapWriteListener(int bgNumber, CBitmapWriteListener* listener);
+
+    // The control panel's and the viewer's view of a background, by number
+    // 0-5. The switches may be set from any thread; the viewer's drawing
+    // requests decode from VRAM and run on the emulation thread.
+    bool IsBackgroundDisabled(int bgNumber) const;
+    void SetBackgroundDisabled(int bgNumber, bool off);
+    bool IsBackgroundFiltered(int bgNumber) const;
+    void SetBackgroundFiltered(int bgNumber, bool on);
+    bool IsBackgroundInCellMode(int bgNumber) const;
+    std::string GetBackgroundInformation(int bgNumber) const;
+    void GetBackgroundSize(int bgNumber, uint32_t& width, uint32_t& height) const;
+    void DecodeBackgroundBitmap(int bgNumber, uint32_t* pixels);
+    void RenderBackgroundPlane(int bgNumber, uint32_t plane, uint32_t* pixels);
 
     uint16_t Register(uint32_t address) const { return registers[(address & vdp2reg::kAddressMask) >> 1]; }
     bool DisplayEnabled() const { return Register(vdp2reg::TVMD) & vdp2reg::TVMD_DISP; }
@@ -126,6 +177,7 @@ public:
     uint32_t palette256Stamps[8] = {};
     uint32_t paletteAllStamp = 0;
     uint32_t colorTable[0x10000];
+    CCellCacheCounters cellCache;
 
 private:
     void OnVramChanged(uint32_t a) {
@@ -141,10 +193,9 @@ private:
     void MergeCramByte(uint32_t index, uint32_t a, uint8_t v);
 
     std::array<CBitmapWriteListener*, 2> bitmapWriteListeners{};
-    std::array<CBackground*, kBackgroundCount> backgrounds{};
+    std::array<std::unique_ptr<CBackground>, kBackgroundCount> backgrounds;
     std::vector<CVdp2CharacterPattern*> doomedCells;  // reused by cache clears
-    // Background modules keep a log of their own, set up when VDP2 is built.
-    std::array<CModuleLog, kBackgroundCount> backgroundLogs;
+    std::atomic<bool> cellCacheClearRequested{false};
     CModuleLog log;
 };
 

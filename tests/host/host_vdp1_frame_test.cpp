@@ -13,29 +13,12 @@
 #include <vector>
 
 #include "../support/vdp1_commands.h"
-#include "host_fixture.h"
+#include "host_frame.h"
 
 namespace {
 
 using namespace vdpgl::test;
-
-constexpr int kWidth = 320, kHeight = 224;
-
-struct Rgba {
-    int r = 0, g = 0, b = 0, a = 0;
-    bool operator==(const Rgba&) const = default;
-};
-std::ostream& operator<<(std::ostream& os, const Rgba& p) {
-    return os << "(" << p.r << "," << p.g << "," << p.b << "," << p.a << ")";
-}
-constexpr Rgba kClear{};
-// A texel word of the console: 5 bits a channel widened by a shift, opaque.
-Rgba Rgb555(uint16_t c) { return {(c & 31) << 3, ((c >> 5) & 31) << 3, ((c >> 10) & 31) << 3, 255}; }
-// A polygon's colour: each 5-bit channel scaled to the full 0-255 range.
-Rgba ShapeColour(uint16_t c) {
-    const auto ch = [](int v) { return static_cast<int>(std::lround(v * 255.0 / 31.0)); };
-    return {ch(c & 31), ch((c >> 5) & 31), ch((c >> 10) & 31), 255};
-}
+using namespace vdpgl::host;
 
 // Colour RAM as the tests fill it, and a 16-entry lookup table in VRAM with a 0x0000 entry (transparent) and a 0x8000
 // entry (opaque black).
@@ -59,20 +42,8 @@ Command Quad(uint16_t colr, int16_t x0, int16_t y0, int16_t x1, int16_t y1, uint
             .xd = x0, .yd = y1};
 }
 
-// The reference picture: axis-aligned quads sampled at pixel centres, nearest texel, mixed by source alpha and one
-// minus source alpha.
-
-struct Picture {
-    std::vector<Rgba> px = std::vector<Rgba>(kWidth * kHeight);
-    Rgba& At(int x, int y) { return px[static_cast<size_t>(y * kWidth + x)]; }
-
-    void Blend(int x, int y, Rgba src, double factor, double alpha) {
-        if (x < 0 || y < 0 || x >= kWidth || y >= kHeight) return;
-        Rgba& d = At(x, y);
-        const double sa = src.a / 255.0 * alpha;
-        const auto mix = [&](double s, int dst) { return static_cast<int>(std::lround(s * sa + dst * (1.0 - sa))); };
-        d = {mix(src.r * factor, d.r), mix(src.g * factor, d.g), mix(src.b * factor, d.b), mix(255.0 * sa, d.a)};
-    }
+// The reference picture: axis-aligned quads sampled at pixel centres, nearest texel.
+struct Picture : FramePicture {
     // Texture over [x0, x1) x [y0, y1); direction bit 0 flips across, bit 1 down.
     void Sprite(const Texture& t, int x0, int y0, int x1, int y1, int direction = 0, double factor = 1.0,
                 double alpha = 1.0) {
@@ -84,10 +55,6 @@ struct Picture {
                 if (direction & 2) v = kPatternHeight - 1 - v;
                 Blend(x, y, t[static_cast<size_t>(v * kPatternWidth + u)], factor, alpha);
             }
-    }
-    void Fill(int x0, int y0, int x1, int y1, Rgba colour, double factor = 1.0, double alpha = 1.0) {
-        for (int y = y0; y < y1; ++y)
-            for (int x = x0; x < x1; ++x) Blend(x, y, colour, factor, alpha);
     }
 };
 
@@ -149,27 +116,20 @@ long ResidentMegabytes() {
     return resident * 4096 / (1024 * 1024);
 }
 
-class HostVdp1FrameTest : public vdpgl::host::HostTest {
+class HostVdp1FrameTest : public HostFrameTest {
 protected:
     void SetUp() override {
         HostTest::SetUp();
         Start();
     }
     void Start() {
-        Init();
-        x().EmulationThreadStarting();
-        x().WriteWordVDP2Regs(0x000, 0x8000);  // display on, 320 x 224
-        // One-cycle mode, drawing automatically: every V-blank-out draws, presents and erases.
-        x().WriteWordVDP1Regs(0x00, 0x0000);
-        x().WriteWordVDP1Regs(0x02, 0x0000);
-        x().WriteWordVDP1Regs(0x04, 0x0002);
+        StartDrawing();
         for (int i = 0; i < 1024; ++i) x().WriteWordVDP2CRAM(static_cast<uint32_t>(i * 2), CramColour(i));
         for (int i = 0; i < 16; ++i) x().WriteWordVDP1VRAM(kLut + static_cast<uint32_t>(i * 2), LutWord(i));
     }
     void TearDown() override {
-        if (initialised) x().EmulationThreadStoping();
         unsetenv("VDPGL_TEXTURE_MEMORY_MB");
-        HostTest::TearDown();
+        HostFrameTest::TearDown();
     }
     void Stop() { x().EmulationThreadStoping(), x().DeInitPlugin(), initialised = false; }
 
@@ -190,35 +150,12 @@ protected:
             x().WriteWordVDP1VRAM(address + i, static_cast<uint16_t>(bytes[i] << 8 | bytes[i + 1]));
     }
 
-    // One frame: V-blank in and out, then the presented picture.
-    void Frame() {
-        x().VDPOnVblankIn();
-        x().VDPOnVblankOut();
-        std::vector<uint8_t> rgba(kWidth * kHeight * 4);
-        ASSERT_EQ(x().CaptureDisplay(rgba.data(), kWidth, kHeight), 1);
-        for (size_t i = 0; i < shown.px.size(); ++i)
-            shown.px[i] = {rgba[i * 4], rgba[i * 4 + 1], rgba[i * 4 + 2], rgba[i * 4 + 3]};
-    }
-    // One frame, every pixel against the reference, each channel within tolerance; reports the first few differences.
-    void ExpectFrame(const Picture& expected, int tolerance = 0) {
-        Frame();
-        int wrong = 0;
-        for (size_t i = 0; i < expected.px.size(); ++i) {
-            const Rgba e = expected.px[i], s = shown.px[i];
-            const bool near = std::abs(e.r - s.r) <= tolerance && std::abs(e.g - s.g) <= tolerance &&
-                              std::abs(e.b - s.b) <= tolerance && std::abs(e.a - s.a) <= tolerance;
-            if (!near && ++wrong <= 5)
-                ADD_FAILURE() << "at (" << i % kWidth << "," << i / kWidth << "): " << s << ", expected " << e;
-        }
-        EXPECT_EQ(wrong, 0) << "pixels that differ";
-    }
     int Lit(int x0, int y0, int x1, int y1) {  // pixels of the rectangle that are not transparent black
         int n = 0;
         for (int i = 0, w = x1 - x0; i < w * (y1 - y0); ++i) n += !(shown.At(x0 + i % w, y0 + i / w) == kClear);
         return n;
     }
 
-    Picture shown;
 };
 
 TEST_F(HostVdp1FrameTest, NormalSpriteShowsItsTexelsOnItsRectangleInEveryColourModeAndFlip) {

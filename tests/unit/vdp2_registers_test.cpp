@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "vdp2/vdp2_character_pattern/pattern_name.h"
 #include "vdp_test.h"
 
 namespace vdpgl {
@@ -107,7 +108,10 @@ TEST_F(Vdp2RegistersTest, ResetClearsStateButKeepsFrameCounterAndSpriteTypeDecod
     vdp2->OnVblankOut();  // stamps the CRAM change, makes buffer B active
     vdp2->OnHblankOut();  // line 1, odd field
     vdp2->vblank = vdp2->hblank = true, vdp2->hCounter = 50;
-    vdp2->cells[3] = new CVdp2CharacterPattern(96, 128);
+    CPatternName request;
+    request.characterAddress = 96;
+    request.cellDataSize = 32;
+    new CVdp2CharacterPattern(request, 0);  // fills slot 3
     renderer->TakeRenderingResolutionChange();
 
     vdp2->ResetVdp2();

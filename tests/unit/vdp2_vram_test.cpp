@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "vdp2/vdp2_character_pattern/pattern_name.h"
 #include "vdp_test.h"
 
 namespace vdpgl {
@@ -26,10 +27,12 @@ TEST_F(Vdp2VramTest, OnlyAChangedValueMarksTheCellOfItsUnitAndTellsTheBitmapList
     Log log;
     RecordingListener nbg0(0, log), nbg1(1, log), other(9, log);  // only NBG0 and NBG1 take one
     for (int bg = -1; bg <= 6; ++bg) vdp2->SetBitmapWriteListener(bg, bg == 0 ? &nbg0 : bg == 1 ? &nbg1 : &other);
-    const auto addCell = [this](uint32_t start, uint32_t end) {  // into every slot it fills; the table owns it
-        auto* cell = new CVdp2CharacterPattern(start, end);
-        for (uint32_t slot = start / 32; slot < end / 32; ++slot) vdp2->cells[slot] = cell;
-        return cell;
+    const auto addCell = [](uint32_t start, uint32_t end) {  // puts itself in every slot it fills; the table owns it
+        CPatternName request;
+        request.characterAddress = start;
+        request.cellDataSize = end - start;
+        request.characterColorNumber = end - start == 32 ? 0 : end - start == 64 ? 1 : 2;
+        return new CVdp2CharacterPattern(request, 0);
     };
     for (int width : {1, 2, 4}) {
         SCOPED_TRACE(width);

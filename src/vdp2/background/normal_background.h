@@ -1,0 +1,90 @@
+#pragma once
+// CNormalBackground: NBG0-NBG3. In cell mode the map is 2 x 2 planes (A, B
+// over C, D) of 1, 2 or 4 pages of pattern names; each plane is one texture
+// as large as the plane, filled character by character as the characters
+// come on screen or change, and drawn as one quad per plane piece on screen,
+// scrolled and zoomed. NBG0 and NBG1 can show a bitmap instead: one texture,
+// rebuilt when a VRAM write inside the bitmap changed it, repeated across the
+// screen.
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "vdp2/background/background.h"
+#include "vdp2/background/bitmap_write_listener.h"
+
+namespace vdpgl {
+
+// What a plane texture shows at one character position: the character as
+// its request read it (address, flips, palette, colour count; -1 for
+// nothing yet) and the stamp of the pictures written there.
+struct CellRecord {
+    int32_t lastPatternName = -1;
+    uint32_t lastStamp = 0;
+};
+
+class CNormalBackground final : public CBackground, public CBitmapWriteListener {
+public:
+    static constexpr uint32_t kPlanes = 4;
+    static constexpr uint32_t kRecordsPerSide = 128;  // 1024 dots of 8 x 8 characters
+
+    explicit CNormalBackground(uint32_t number);
+    ~CNormalBackground() override;
+
+    void UpdateFromRegisters() override;
+    void GetSize(uint32_t& width, uint32_t& height) const override;
+    void DecodeBitmap(uint32_t* pixels) override;
+    void RenderPlane(uint32_t plane, uint32_t* pixels) override;
+    void Draw() override;
+    void GetInformation(std::string& text) const override;
+    void Reset() override;
+
+    // Every plane position shows nothing yet.
+    void ResetCellRecords();
+    CellRecord& Record(uint32_t plane, uint32_t column, uint32_t row) {
+        return cellRecords[(plane * kRecordsPerSide + column) * kRecordsPerSide + row];
+    }
+    // Pattern name index of the character at character column cx, row cy of
+    // a plane (its page, then its place in the page).
+    uint32_t PatternIndex(uint32_t cx, uint32_t cy) const;
+
+    // A VRAM write that changed a value, while in bitmap mode.
+    void OnBitmapVramWrite(uint32_t address) override { InvalidateBitmapRange(address); }
+    void InvalidateBitmapRange(uint32_t address);
+
+    uint32_t planeWidth = 0;
+    uint32_t planeHeight = 0;
+    uint32_t planeSize = 0;
+    uint32_t mapOffset = 0;
+    uint32_t planeAddresses[kPlanes] = {};
+    uint32_t bitmapAddress = 0;
+    uint32_t bitmapDataSize = 0;
+    uint32_t bitmapPaletteNumber = 0;
+    uint32_t bitmapWidth = 0;
+    uint32_t bitmapHeight = 0;
+    uint8_t bitmapDirty = 1;
+    int32_t scrollX = 0;
+    int32_t scrollY = 0;
+    float scaleX = 0.0f;
+    float scaleY = 0.0f;
+
+private:
+    void ReadScrollAndZoom();
+    void UpdatePlanes(uint32_t oldPlaneSize, const uint32_t* oldAddresses);
+    void UpdateBitmap(uint32_t oldWidth, uint32_t oldHeight, uint32_t oldAddress);
+    void DrawCellMode();
+    void LoadVisibleCharacters();
+    void DrawPlanePieces();
+    void DrawBitmapMode();
+    void AppendCellModeInformation(std::string& text) const;
+    void AppendBitmapModeInformation(std::string& text) const;
+
+    std::unique_ptr<CellRecord[]> cellRecords;
+    std::vector<uint32_t> bitmapPixels;  // kept between uploads
+    // False until the plane textures exist for the current layout (and after
+    // a reset, which drops what they held).
+    bool planesCreated = false;
+    bool bitmapCreated = false;
+};
+
+}  // namespace vdpgl

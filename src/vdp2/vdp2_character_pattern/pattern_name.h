@@ -1,0 +1,65 @@
+#pragma once
+// CPatternName: a request for one character of a background's map, built on
+// the caller's stack for every map entry drawn. It reads the pattern name
+// (one or two words, with the background's supplements and flips), makes
+// sure the character's cells are decoded for its palette, and writes them
+// into the background's plane texture when that does not show them yet.
+#include <cstdint>
+
+namespace vdpgl {
+
+class CBackground;
+class CNormalBackground;
+class CVdp2CharacterPattern;
+
+struct CPatternName {
+    // Reads the name at entry `index` of the map at mapAddress, decodes its
+    // cells, and with upload set writes the character at (x, y) of the plane
+    // texture unless the background's cell record says it is there already.
+    void DrawCell(CNormalBackground& background, uint32_t planeNumber, uint32_t mapAddress, uint32_t index,
+                  int32_t x, int32_t y, bool upload);
+    // The same without a plane texture: for software sampling and the viewer.
+    void PrepareCell(CBackground& background, uint32_t mapAddress, uint32_t index);
+    // Colour word of dot (x, y) of the prepared character (0-7, or 0-15 for
+    // a 2 x 2 character), flips applied.
+    uint32_t GetCellPixel(int32_t x, int32_t y) const;
+    // The prepared character as 8 x 8 or 16 x 16 colour words, flipped.
+    void DrawCharacterToBuffer(uint32_t* destination) const;
+
+    uint32_t patternNameData = 0;
+    uint32_t paletteNumber = 0;
+    uint32_t characterAddress = 0;
+    bool hFlip = false;
+    bool vFlip = false;
+    // Copied from the background.
+    uint32_t cellDataSize = 0;
+    bool transparentDisplay = false;
+    uint32_t characterColorNumber = 0;
+    uint32_t patternNameDataSize = 0;
+    uint32_t cramAddressOffset = 0;
+    uint32_t characterSize = 0;
+    uint32_t supplementaryPalette = 0;
+    uint32_t characterNumberSupplement = 0;
+    uint32_t supplementaryCharacterNumber = 0;
+    uint32_t paletteBlock = 0;  // cache key: colour RAM index of the palette / 16
+    int32_t xInPlane = 0;
+    int32_t yInPlane = 0;
+    uint32_t plane = 0;
+    CBackground* background = nullptr;
+
+private:
+    void ReadPatternName(CBackground& bg, uint32_t mapAddress, uint32_t index);
+    void ComputePaletteBlock(uint32_t cramMode);
+    // Finds or decodes each cell of the character into `cells`; false (with
+    // the failure reported) if one has no picture afterwards.
+    bool GetCells();
+    CVdp2CharacterPattern* GetCell(uint32_t k);
+    void Upload(CNormalBackground& bg, uint32_t planeNumber, int32_t x, int32_t y) const;
+    uint32_t CellCount() const { return characterSize ? 4 : 1; }
+    static auto& module();
+
+    CVdp2CharacterPattern* cells[4] = {};
+    bool prepared = false;
+};
+
+}  // namespace vdpgl

@@ -1,0 +1,125 @@
+// VDP2 backgrounds as a host sees them: maps, cells, bitmaps and colour RAM written through the exports, and the
+// presented picture compared pixel by pixel with one worked out here from the same bytes.
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <functional>
+#include <vector>
+
+#include "../support/vdp1_commands.h"
+#include "host_frame.h"
+
+namespace {
+
+using namespace vdpgl::host;
+using namespace vdpgl::test;
+
+uint16_t CramColour(int i) { return static_cast<uint16_t>((i * 2731 + 977) & 0x7FFF); }
+
+// Register offsets.
+constexpr uint32_t BGON = 0x020, CHCTLA = 0x028, BMPNA = 0x02C, PNCN0 = 0x030, PLSZ = 0x03A, MPOFN = 0x03C,
+                   MPABN0 = 0x040, SCXIN0 = 0x070, SCYIN0 = 0x074, ZMXIN0 = 0x078, SCXIN1 = 0x080, PRINA = 0x0F8,
+                   PRISA = 0x0F0;
+
+// A screen pixel's colour from the map position it shows; kClear where the background is transparent.
+using Layer = std::function<Rgba(int x, int y)>;
+
+class HostVdp2FrameTest : public HostFrameTest {
+protected:
+    void SetUp() override {
+        HostFrameTest::SetUp();
+        StartDrawing();
+        for (int i = 0; i < 1024; ++i) Cram(i, CramColour(i));
+        for (uint32_t r = PRISA; r < PRISA + 8; r += 2) Reg(r, 0x0303);  // every sprite at level 3
+    }
+
+    void Reg(uint32_t a, uint16_t v) { x().WriteWordVDP2Regs(a, v); }
+    void Cram(int i, uint16_t v) {
+        x().WriteWordVDP2CRAM(static_cast<uint32_t>(i * 2), v);
+        cram[static_cast<size_t>(i)] = v;
+    }
+    void Byte(uint32_t a, uint8_t v) {
+        x().WriteByteVDP2VRAM(a, v);
+        vram[a] = v;
+    }
+    void Word(uint32_t a, uint16_t v) { Byte(a, static_cast<uint8_t>(v >> 8)), Byte(a + 1, static_cast<uint8_t>(v)); }
+    uint16_t WordAt(uint32_t a) const { return static_cast<uint16_t>(vram[a] << 8 | vram[a + 1]); }
+
+    // Dot (x, y) of an 8 x 8 16-colour cell at `address`, palette p (16 colours each), 0: transparent.
+    Rgba CellDot(uint32_t address, int x, int y, int p) const {
+        const uint8_t byte = vram[address + static_cast<uint32_t>(y * 4 + x / 2)];
+        const int d = x % 2 ? byte & 15 : byte >> 4;
+        return d ? Rgb555(cram[static_cast<size_t>(p * 16 + d)]) : kClear;
+    }
+
+    // Composes layers back to front, then what is drawn over them.
+    static FramePicture Compose(std::initializer_list<Layer> layers) {
+        FramePicture picture;
+        for (const Layer& layer : layers)
+            for (int y = 0; y < kHeight; ++y)
+                for (int x = 0; x < kWidth; ++x) picture.Blend(x, y, layer(x, y));
+        return picture;
+    }
+
+    std::vector<uint8_t> vram = std::vector<uint8_t>(0x80000);
+    std::vector<uint16_t> cram = std::vector<uint16_t>(2048);
+};
+
+// NBG1: a 512 x 512 plane of one-word names (16 colours, 8 x 8 cells) at 0x20000 for all four planes, six characters
+// at 0x1000 drawn with four flips and two palettes, scrolled by (37, -21). NBG0 at the same priority: a 512 x 256
+// bitmap of 256 colours at 0x40000, mostly transparent, scrolled by (-5, 3). A polygon of VDP1 at that level too.
+TEST_F(HostVdp2FrameTest, ScrolledCellPlaneUnderABitmapUnderAPolygonAtOneLevelAndChangesShowNextFrame) {
+    constexpr uint32_t kMap = 0x20000, kCells = 0x1000, kBitmap = 0x40000;
+    for (uint32_t i = 0; i < 6 * 32; ++i) Byte(kCells + i, static_cast<uint8_t>((i * 37 + i / 32 * 11) % 256));
+    Byte(kCells + 5, 0);  // a transparent pair of dots in the first character
+    const auto name = [](int cx, int cy) {
+        const int character = (kCells / 32) + (cx * 7 + cy * 3) % 6, palette = (cx + cy) % 2 ? 5 : 2;
+        const int flips = (cx * 3 + cy) % 4;  // bit 0: across (bit 10), bit 1: down (bit 11)
+        return static_cast<uint16_t>(palette << 12 | flips << 10 | character);
+    };
+    for (int cy = 0; cy < 64; ++cy)
+        for (int cx = 0; cx < 64; ++cx) Word(kMap + static_cast<uint32_t>((cy * 64 + cx) * 2), name(cx, cy));
+    for (int i = 0; i < 40; ++i) Byte(kBitmap + static_cast<uint32_t>((50 + i % 8) * 512 + 100 + i * 3), uint8_t(7 + i));
+    Byte(kBitmap + 511, 200);              // the last dot of the first row: shown at the screen's left edge
+    Byte(kBitmap + 255 * 512 + 300, 201);  // the last row: shown at the top
+
+    Reg(BGON, 0x0003);                            // NBG0 and NBG1
+    Reg(CHCTLA, 0x0012);                          // NBG0: bitmap, 512 x 256, 256 colours; NBG1: 16 colours, 1 x 1
+    Reg(BMPNA, 0);                                // bitmap palette 0
+    Reg(PNCN0 + 2, 0x8000);                       // NBG1: one-word names with flips
+    Reg(PLSZ, 0);                                 // 1 x 1 page planes
+    Reg(MPOFN, 0x0002);                           // NBG0's bitmap at 2 x 0x20000
+    Reg(MPABN0 + 4, 16 << 8 | 16);                // NBG1 planes A-D: page 16 (16 x 0x2000)
+    Reg(MPABN0 + 6, 16 << 8 | 16);
+    Reg(SCXIN0, 0x7FB), Reg(SCYIN0, 3);           // NBG0 scrolled by (-5, 3)
+    Reg(SCXIN1, 37), Reg(SCXIN1 + 4, 0x7EB);      // NBG1 scrolled by (37, -21)
+    Reg(ZMXIN0, 1), Reg(ZMXIN0 + 4, 1);           // NBG0 unzoomed
+    Reg(ZMXIN0 + 0x10, 1), Reg(ZMXIN0 + 0x14, 1); // NBG1 unzoomed
+    Reg(PRINA, 0x0303);                           // both at level 3
+    WriteCommandList([this](uint32_t a, uint16_t v) { x().WriteWordVDP1VRAM(a, v); },
+                     {{.ctrl = kPolygonCmd, .colr = 0x7C1F, .xa = 150, .ya = 40, .xb = 190, .yb = 40, .xc = 190,
+                       .yc = 70, .xd = 150, .yd = 70}});
+
+    const Layer nbg1 = [this](int x, int y) {
+        const int mx = (x + 37) & 511, my = (y - 21) & 511, cx = mx / 8, cy = my / 8;
+        const uint16_t pn = WordAt(kMap + static_cast<uint32_t>((cy * 64 + cx) * 2));
+        int dx = mx % 8, dy = my % 8;
+        if (pn & 0x400) dx = 7 - dx;
+        if (pn & 0x800) dy = 7 - dy;
+        return CellDot((pn & 0x3FFu) * 32, dx, dy, pn >> 12);
+    };
+    const Layer nbg0 = [this](int x, int y) {
+        const uint8_t d = vram[kBitmap + static_cast<uint32_t>(((y + 3) & 255) * 512 + ((x - 5) & 511))];
+        return d ? Rgb555(cram[d]) : kClear;
+    };
+    const Layer polygon = [](int x, int y) { return x >= 150 && x < 190 && y >= 40 && y < 70 ? ShapeColour(0x7C1F) : kClear; };
+    ExpectFrame(Compose({nbg1, nbg0, polygon}));
+
+    // Rewritten cell data, a changed colour of palette 5 and a new bitmap dot show in the next frame.
+    Byte(kCells + 2 * 32 + 9, 0x5A);
+    Cram(5 * 16 + 3, 0x7FFF);
+    Byte(kBitmap + 10 * 512 + 20, 99);
+    ExpectFrame(Compose({nbg1, nbg0, polygon}));
+}
+
+}  // namespace
