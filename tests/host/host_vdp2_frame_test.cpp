@@ -2,6 +2,7 @@
 // presented picture compared pixel by pixel with one worked out here from the same bytes.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <functional>
 #include <vector>
@@ -43,7 +44,9 @@ protected:
         vram[a] = v;
     }
     void Word(uint32_t a, uint16_t v) { Byte(a, static_cast<uint8_t>(v >> 8)), Byte(a + 1, static_cast<uint8_t>(v)); }
+    void Long(uint32_t a, uint32_t v) { Word(a, static_cast<uint16_t>(v >> 16)), Word(a + 2, static_cast<uint16_t>(v)); }
     uint16_t WordAt(uint32_t a) const { return static_cast<uint16_t>(vram[a] << 8 | vram[a + 1]); }
+    uint32_t LongAt(uint32_t a) const { return uint32_t{WordAt(a)} << 16 | WordAt(a + 2); }
 
     // Dot (x, y) of an 8 x 8 16-colour cell at `address`, palette p (16 colours each), 0: transparent.
     Rgba CellDot(uint32_t address, int x, int y, int p) const {
@@ -120,6 +123,53 @@ TEST_F(HostVdp2FrameTest, ScrolledCellPlaneUnderABitmapUnderAPolygonAtOneLevelAn
     Cram(5 * 16 + 3, 0x7FFF);
     Byte(kBitmap + 10 * 512 + 20, 99);
     ExpectFrame(Compose({nbg1, nbg0, polygon}));
+}
+
+// NBG1 zoomed to twice the size (0.5 map dots a screen dot) and scrolled by (-300, 100): 2 x 2 characters of 256
+// colours named by two-word pattern names, on 1024 x 512 planes (two pages wide) with four different maps, so that
+// the screen shows pieces of three planes; brightened in red by colour offset A.
+TEST_F(HostVdp2FrameTest, ZoomedPlaneOfTwoByTwoCharactersFromFourMapsWithTwoWordNamesAndAColourOffset) {
+    constexpr uint32_t kCharacters = 0x20000, kPlaneMaps[4] = {0x10000, 0x12000, 0x14000, 0x16000};
+    for (uint32_t i = 0; i < 4 * 256; ++i) Byte(kCharacters + i, static_cast<uint8_t>((i * 29 + i / 64) % 251));
+    for (uint32_t p = 0; p < 4; ++p)
+        for (uint32_t cy = 0; cy < 32; ++cy)
+            for (uint32_t cx = 0; cx < 64; ++cx) {
+                const uint32_t character = kCharacters / 32 + 8 * ((cx + 2 * cy + p) % 4);
+                const uint32_t palette = (cx + cy + p) % 2 ? 0x10 : 0x20, flips = (cx + cy * 3) % 4;
+                const uint32_t index = (cx / 32) * 1024 + cy * 32 + cx % 32;
+                Long(kPlaneMaps[p] + index * 4, flips << 30 | palette << 16 | character);
+            }
+
+    Reg(BGON, 0x0002);               // NBG1
+    Reg(CHCTLA, 0x1100);             // NBG1: 256 colours, 2 x 2 characters
+    Reg(PNCN0 + 2, 0x0000);          // two-word names
+    Reg(PLSZ, 1 << 2);               // NBG1: planes two pages wide
+    Reg(MPABN0 + 4, 18 << 8 | 16);   // plane A: map 16, B: 18 (pages of 0x1000 bytes)
+    Reg(MPABN0 + 6, 22 << 8 | 20);   // C: 20, D: 22
+    Reg(SCXIN1, 0x7FF & -300), Reg(SCXIN1 + 4, 100);
+    Reg(ZMXIN0 + 0x10, 0), Reg(ZMXIN0 + 0x12, 0x8000);  // x: 0 + 128/256
+    Reg(ZMXIN0 + 0x14, 0), Reg(ZMXIN0 + 0x16, 0x8000);  // y
+    Reg(0x110, 0x0002), Reg(0x114, 0x020);              // colour offset A for NBG1: red + 32
+    Reg(PRINA, 0x0200);
+
+    FramePicture expected;
+    for (int y = 0; y < kHeight; ++y)
+        for (int x = 0; x < kWidth; ++x) {
+            const int mx = (-300 + x / 2) & 2047, my = (100 + y / 2) & 1023;
+            const int plane = (mx >= 1024 ? 1 : 0) + (my >= 512 ? 2 : 0);
+            const int px = mx & 1023, py = my & 511, cx = px / 16, cy = py / 16;
+            const uint32_t pn = LongAt(kPlaneMaps[plane] + static_cast<uint32_t>((cx / 32) * 1024 + cy * 32 + cx % 32) * 4);
+            int dx = px % 16, dy = py % 16;
+            if (pn >> 30 & 1) dx = 15 - dx;
+            if (pn >> 31) dy = 15 - dy;
+            const uint32_t cell = (pn & 0x3FFF) * 32 + static_cast<uint32_t>((dx / 8) + 2 * (dy / 8)) * 64;
+            const uint8_t d = vram[cell + static_cast<uint32_t>((dy % 8) * 8 + dx % 8)];
+            if (!d) continue;
+            Rgba c = Rgb555(cram[((pn >> 16 & 0x7F) / 16) * 256 + d]);
+            c.r = std::min(255, c.r + 32);
+            expected.At(x, y) = c;
+        }
+    ExpectFrame(expected, 1);
 }
 
 }  // namespace
