@@ -52,7 +52,7 @@ void COpenGl::CreatePlaneTexture(int bgNumber, int plane, int width, int height)
 }
 
 void COpenGl::LinkPlaneTexture(int bgNumber, int srcPlane, int dstPlane) {
-    if (!ValidNormal(bgNumber, srcPlane) || !ValidNormal(bgNumber, dstPlane)) return;
+    if (!context || !ValidNormal(bgNumber, srcPlane) || !ValidNormal(bgNumber, dstPlane)) return;
     VDPGL_CHECK_OR_RETURN(normalBackgroundPlanesTextureIds[bgNumber][srcPlane], "opengl");
     normalBackgroundPlanesTextureIds[bgNumber][dstPlane] = normalBackgroundPlanesTextureIds[bgNumber][srcPlane];
 }

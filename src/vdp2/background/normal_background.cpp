@@ -220,7 +220,7 @@ void CNormalBackground::RenderPlane(uint32_t plane, uint32_t* pixels) {
             for (uint32_t k = 0; k < n; ++k) {
                 request.DrawCell(*this, plane, planeAddresses[plane], p * charactersPerPage + r * n + k, 0, 0, false);
                 std::fill(character, character + c * c, 0u);
-                request.DrawCharacterToBuffer(character);
+                if (request.IsPrepared()) request.DrawCharacterToBuffer(character);
                 const uint32_t x0 = ((p & 1) * n + k) * c, y0 = ((p / 2) * n + r) * c;
                 for (uint32_t row = 0; row < c; ++row)
                     std::memcpy(pixels + (y0 + row) * planeWidth + x0, character + row * c, c * sizeof(uint32_t));

@@ -20,6 +20,9 @@ struct CPatternName {
                   int32_t x, int32_t y, bool upload);
     // The same without a plane texture: for software sampling and the viewer.
     void PrepareCell(CBackground& background, uint32_t mapAddress, uint32_t index);
+    // Whether the last DrawCell or PrepareCell found every cell of its
+    // character (not so for a colour count the background cannot show).
+    bool IsPrepared() const { return prepared; }
     // Colour word of dot (x, y) of the prepared character (0-7, or 0-15 for
     // a 2 x 2 character), flips applied.
     uint32_t GetCellPixel(int32_t x, int32_t y) const;
