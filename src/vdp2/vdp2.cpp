@@ -6,6 +6,7 @@
 #include "common/color_word.h"
 #include "common/pattern_table.h"
 #include "render/opengl/opengl.h"
+#include "vdp2/cram_colors.h"
 #include "vdp2/background/normal_background.h"
 
 namespace vdpgl {
@@ -283,12 +284,9 @@ uint32_t CVdp2::GetSpriteColor(uint32_t index) const {
     const uint32_t offset = (Register(CRAOFB) >> 4) & 7;  // SPCAOS
     if (cramMode == 2) {
         // RGB888: two words per colour, blue and green in the first, red in the second.
-        const uint32_t p = ((index * 2) & 0xFFFF) + offset * 512;
-        const uint32_t hi = cram[p & 0x7FF];
-        const uint32_t lo = cram[(p + 1) & 0x7FF];
-        return (hi << 16 | lo) | kOpaqueAlpha;  // alpha forced opaque over the MSB bit
+        return CramWideColor(cram, ((index * 2) & 0xFFFF) + offset * 512);
     }
-    return colorTable[cram[(index + offset * 256) & 0x7FF]];
+    return CramColor(cram, colorTable, index + offset * 256);
 }
 
 void CVdp2::DrawBackgrounds(int priority) {

@@ -4,6 +4,7 @@
 #include "common/color_word.h"
 #include "common/console_vram.h"
 #include "render/opengl/opengl.h"
+#include "vdp2/cram_colors.h"
 #include "vdp2/background/normal_background.h"
 #include "vdp2/background/screen_span.h"
 #include "vdp2/vdp2.h"
@@ -19,22 +20,12 @@ constexpr uint32_t kBitmapHeights[4] = {256, 512, 256, 512};
 // Bytes a dot takes, times two: 16 colours are half a byte.
 constexpr uint32_t kDoubleDotBytes[5] = {1, 2, 4, 4, 8};
 
-// What decoding reads: VRAM from the bitmap's first dot, colour RAM from
-// word `base` (the palette's first colour) on.
+// What decoding reads: VRAM from the bitmap's first dot, and colour RAM.
 struct BitmapSource {
     const CConsoleVram& vram;
     const uint16_t* cram;
     const uint32_t* colorTable;
-    uint32_t address;
     bool zeroIsTransparent;
-
-    // Colour RAM word k as a colour; in mode 2 words k and k + 1 make one
-    // 24-bit colour.
-    uint32_t Word(uint32_t k) const { return colorTable[cram[k & 0x7FF]]; }
-    uint32_t Wide(uint32_t k) const {
-        k &= 0x7FF;
-        return kOpaqueAlpha | uint32_t{cram[k]} << 16 | cram[(k + 1) & 0x7FF];
-    }
 };
 
 // Dots that index colour RAM: palette is the word index of the first
@@ -48,7 +39,7 @@ void DecodePaletteDots(const BitmapSource& in, uint32_t steps, uint32_t dotsPerS
             if (d == 0 && in.zeroIsTransparent)
                 *out++ = 0;
             else
-                *out++ = wide ? in.Wide(palette + 2 * d) : in.Word(palette + d);
+                *out++ = wide ? CramWideColor(in.cram, palette + 2 * d) : CramColor(in.cram, in.colorTable, palette + d);
         }
     }
 }
@@ -80,7 +71,7 @@ void CNormalBackground::InvalidateBitmapRange(uint32_t address) {
 void CNormalBackground::DecodeBitmap(uint32_t* pixels) {
     if (!pixels) return;
     const CVdp2& v = *vdp2;
-    const BitmapSource in{v.vram, v.cram, v.colorTable, bitmapAddress, transparentDisplay == 0};
+    const BitmapSource in{v.vram, v.cram, v.colorTable, transparentDisplay == 0};
     const bool wide = v.cramMode == 2;
     const uint32_t base = cramAddressOffset / 2;
     const uint32_t mask = CConsoleVram::kMask, a = bitmapAddress;

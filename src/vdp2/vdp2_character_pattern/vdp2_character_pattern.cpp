@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "common/color_word.h"
+#include "vdp2/cram_colors.h"
 #include "vdp2/vdp2.h"
 #include "vdp2/vdp2_character_pattern/pattern_name.h"
 
@@ -29,18 +30,14 @@ struct DotSource {
     uint32_t Word(uint32_t i) const { return vram.ReadWord((address + 2 * i) & CConsoleVram::kMask); }
     uint32_t Long(uint32_t i) const { return vram.ReadLong((address + 4 * i) & CConsoleVram::kMask); }
 
-    // Colour d of the palette. In colour RAM mode 2 (kWide) two words make
-    // one 24-bit colour, the first word is the colour word's upper half
-    // (blue), the second its lower half (green, red).
+    // Colour d of the palette; in colour RAM mode 2 (kWide) a colour is two words.
     template <bool kWide>
     uint32_t Palette(uint32_t d) const {
         if (d == 0 && zeroIsTransparent) return 0;
-        if constexpr (kWide) {
-            const uint32_t q = (p + d * 2) & 0x7FF;
-            return (uint32_t{cram[q]} << 16 | cram[(q + 1) & 0x7FF]) | kOpaqueAlpha;
-        } else {
-            return colorTable[cram[(p + d) & 0x7FF]];
-        }
+        if constexpr (kWide)
+            return CramWideColor(cram, p + d * 2);
+        else
+            return CramColor(cram, colorTable, p + d);
     }
 };
 
