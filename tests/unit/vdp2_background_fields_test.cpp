@@ -143,5 +143,35 @@ TEST_F(Vdp2BackgroundFieldsTest, PatternNamesWithSupplementsFlipsAndPaletteBlock
     }
 }
 
+TEST_F(Vdp2BackgroundFieldsTest, OnlyAWriteInsideTheBitmapMarksItForDecoding) {
+    // NBG0: a 16-colour 512 x 256 bitmap at 3 x 0x20000, 0x10000 bytes.
+    for (Write w : {Write{TVMD, TVMD_DISP}, {BGON, 0x0001}, {CHCTLA, 0x0002}, {MPOFN, 0x0003}, {PRINA, 0x0001}})
+        vdp2->WriteRegisterWord(w.reg, w.value);
+    auto& nbg0 = static_cast<CNormalBackground&>(*vdp2->Background(kNbg0));
+    const auto frame = [&] {
+        vdp2->OnVblankOut();
+        vdp2->DrawBackgrounds(1);
+    };
+    frame();
+    ASSERT_EQ(nbg0.bitmapAddress, 0x60000u);
+    ASSERT_EQ(nbg0.bitmapDataSize, 0x10000u);
+    EXPECT_EQ(nbg0.bitmapDirty, 0) << "decoded when drawn";
+    vdp2->WriteVramByte(0x70000, 1);  // one past the end
+    vdp2->WriteVramWord(0x5FFFF, 1);  // a word whose first byte lies before it
+    vdp2->WriteCramWord(2, 0x7FFF);
+    vdp2->WriteRegisterWord(BMPNA, 0x0002);
+    vdp2->WriteRegisterWord(BGON, 0x0101);  // transparent display
+    frame();
+    EXPECT_EQ(nbg0.bitmapDirty, 0) << "colour RAM, palette and transparency keep the texture";
+    vdp2->WriteVramByte(0x6FFFF, 1);
+    EXPECT_EQ(nbg0.bitmapDirty, 1);
+    frame();
+    vdp2->WriteRegisterWord(MPOFN, 0x0001);
+    frame();
+    EXPECT_EQ(nbg0.bitmapAddress, 0x20000u);
+    vdp2->WriteVramByte(0x6FFFF, 2);
+    EXPECT_EQ(nbg0.bitmapDirty, 0) << "the old place no longer counts";
+}
+
 }  // namespace
 }  // namespace vdpgl
