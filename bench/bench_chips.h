@@ -28,10 +28,20 @@ struct Chips {
     }
     // Pattern data that uses every pixel code: a simple generator, no zeros only.
     void FillPatternData(uint32_t address, uint32_t bytes, uint32_t seed) {
+        Generate(bytes, seed, [&](uint32_t i, uint16_t v) { vdp1->WriteVramWord(address + i, v); });
+    }
+    // The same kind of data in VDP2's VRAM, for cells and maps.
+    void FillVdp2Data(uint32_t address, uint32_t bytes, uint32_t seed) {
+        Generate(bytes, seed, [&](uint32_t i, uint16_t v) { vdp2->WriteVramWord(address + i, v); });
+    }
+
+private:
+    template <typename Write>
+    static void Generate(uint32_t bytes, uint32_t seed, Write write) {
         uint32_t x = seed * 2654435761u + 1;
         for (uint32_t i = 0; i < bytes; i += 2) {
             x = x * 1664525u + 1013904223u;
-            vdp1->WriteVramWord(address + i, static_cast<uint16_t>(x >> 16));
+            write(i, static_cast<uint16_t>(x >> 16));
         }
     }
 };
