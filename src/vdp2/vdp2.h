@@ -33,14 +33,17 @@ public:
         cells.fetch_add(1, std::memory_order_relaxed);
         bytes.fetch_add(cellBytes, std::memory_order_relaxed);
     }
-    void OnPictureCreated(uint64_t pictureBytes) {
-        pictures.fetch_add(1, std::memory_order_relaxed);
-        bytes.fetch_add(pictureBytes, std::memory_order_relaxed);
-    }
-    void OnCellDeleted(uint64_t cellBytes, uint32_t cellPictures, uint64_t pictureBytes) {
+    void OnCellDeleted(uint64_t cellBytes) {
         cells.fetch_sub(1, std::memory_order_relaxed);
-        pictures.fetch_sub(cellPictures, std::memory_order_relaxed);
-        bytes.fetch_sub(cellBytes + cellPictures * pictureBytes, std::memory_order_relaxed);
+        bytes.fetch_sub(cellBytes, std::memory_order_relaxed);
+    }
+    void OnPicturesAdded(uint32_t count, uint64_t pictureBytes) {
+        pictures.fetch_add(count, std::memory_order_relaxed);
+        bytes.fetch_add(count * pictureBytes, std::memory_order_relaxed);
+    }
+    void OnPicturesDropped(uint32_t count, uint64_t pictureBytes) {
+        pictures.fetch_sub(count, std::memory_order_relaxed);
+        bytes.fetch_sub(count * pictureBytes, std::memory_order_relaxed);
     }
 
 private:

@@ -98,9 +98,11 @@ void CNormalBackground::ReadScrollAndZoom() {
 }
 
 void CNormalBackground::UpdatePlanes(uint32_t oldPlaneSize, const uint32_t* oldAddresses) {
-    if (planesCreated && planeSize == oldPlaneSize &&
-        std::memcmp(oldAddresses, planeAddresses, sizeof planeAddresses) == 0)
-        return;
+    if (planeSize != oldPlaneSize || std::memcmp(oldAddresses, planeAddresses, sizeof planeAddresses) != 0)
+        planesCreated = false;  // made anew when next drawn: a background never shown costs no texture
+}
+
+void CNormalBackground::CreatePlaneTextures() {
     trace.Log("--plane size or plane addresses change\n");
     trace.Log("\tplane size: %d*%d\n", static_cast<int>(planeWidth), static_cast<int>(planeHeight));
     for (uint32_t i = 0; i < kPlanes; ++i) trace.Log("\t%s: 0x%X\n", kPlaneNames[i], planeAddresses[i]);
@@ -145,7 +147,8 @@ void CNormalBackground::Draw() {
 
 void CNormalBackground::DrawCellMode() {
     trace.Log("NBG%d : DrawCellMode()\n", static_cast<int>(bgNumber));
-    if (!planesCreated || scaleX <= 0.0f || scaleY <= 0.0f) return;  // a zero zoom shows nothing
+    if (scaleX <= 0.0f || scaleY <= 0.0f) return;  // a zero zoom shows nothing
+    if (!planesCreated) CreatePlaneTextures();
     LoadVisibleCharacters();
     DrawPlanePieces();
 }

@@ -71,6 +71,7 @@ public:
 private:
     void ReadScrollAndZoom();
     void UpdatePlanes(uint32_t oldPlaneSize, const uint32_t* oldAddresses);
+    void CreatePlaneTextures();
     void UpdateBitmap(uint32_t oldWidth, uint32_t oldHeight, uint32_t oldAddress);
     void DrawCellMode();
     void LoadVisibleCharacters();
@@ -81,8 +82,9 @@ private:
 
     std::unique_ptr<CellRecord[]> cellRecords;
     std::vector<uint32_t> bitmapPixels;  // kept between uploads
-    // False until the plane textures exist for the current layout (and after
-    // a reset, which drops what they held).
+    // False until the textures exist for the current plane layout or bitmap
+    // (and after a reset, which drops what they held); they are made when
+    // the background is next drawn.
     bool planesCreated = false;
     bool bitmapCreated = false;
 };

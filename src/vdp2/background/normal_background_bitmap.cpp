@@ -54,10 +54,7 @@ void CNormalBackground::UpdateBitmap(uint32_t oldWidth, uint32_t oldHeight, uint
     bitmapHeight = kBitmapHeights[sizeCode];
     bitmapDataSize =
         characterColorNumber < 5 ? bitmapWidth * bitmapHeight * kDoubleDotBytes[characterColorNumber] / 2 : 0;
-    if (bitmapCreated && bitmapWidth == oldWidth && bitmapHeight == oldHeight && bitmapAddress == oldAddress) return;
-    renderer->CreateBitmapTexture(n, static_cast<int>(bitmapWidth), static_cast<int>(bitmapHeight));
-    bitmapCreated = true;
-    bitmapDirty = 1;
+    if (bitmapWidth != oldWidth || bitmapHeight != oldHeight || bitmapAddress != oldAddress) bitmapCreated = false;
 }
 
 void CNormalBackground::InvalidateBitmapRange(uint32_t address) {
@@ -104,8 +101,13 @@ void CNormalBackground::DecodeBitmap(uint32_t* pixels) {
 }
 
 void CNormalBackground::DrawBitmapMode() {
-    if (!bitmapCreated) return;
     const CVdp2& v = *vdp2;
+    if (!bitmapCreated) {
+        renderer->CreateBitmapTexture(static_cast<int>(bgNumber), static_cast<int>(bitmapWidth),
+                                      static_cast<int>(bitmapHeight));
+        bitmapCreated = true;
+        bitmapDirty = 1;
+    }
     if (bitmapDirty) {
         // A bitmap written many times between two frames is decoded once.
         bitmapPixels.assign(static_cast<size_t>(bitmapWidth) * bitmapHeight, 0u);

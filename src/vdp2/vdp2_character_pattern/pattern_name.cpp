@@ -84,21 +84,23 @@ CVdp2CharacterPattern* CPatternName::GetCell(uint32_t k) {
     CVdp2& vdp2 = *module().vdp2;
     const uint32_t address = (characterAddress + k * cellDataSize) & CConsoleVram::kMask;
     CVdp2CharacterPattern* cell = vdp2.cells[address / 32];
-    // A cell whose data changed, or that holds these bytes read another way
-    // (another colour count, transparency or start), is made anew.
-    if (cell && (cell->IsModified() || !cell->Fits(*this) || cell->startAddress != address)) {
-        if (cell->IsModified()) {
-            const int bg = background ? static_cast<int>(background->bgNumber) : -1;
-            if (characterSize)
-                module().cellsLog.Log("(bg%d) replacing modified cell%d @0x%X\n\t", bg, static_cast<int>(k), address);
-            else
-                module().cellsLog.Log("(bg%d) replacing modified cell @0x%X\n\t", bg, address);
-        }
+    // A cell that holds these bytes read another way (another colour count,
+    // transparency or start) is made anew; one whose data changed drops all
+    // its pictures and decodes for this request.
+    if (cell && (!cell->Fits(*this) || cell->startAddress != address)) {
         delete cell;
         cell = nullptr;
     }
     if (!cell) {
         cell = new CVdp2CharacterPattern(*this, k * cellDataSize);
+        cell->Decode(*this);
+    } else if (cell->IsModified()) {
+        const int bg = background ? static_cast<int>(background->bgNumber) : -1;
+        if (characterSize)
+            module().cellsLog.Log("(bg%d) replacing modified cell%d @0x%X\n\t", bg, static_cast<int>(k), address);
+        else
+            module().cellsLog.Log("(bg%d) replacing modified cell @0x%X\n\t", bg, address);
+        cell->DropPictures();
         cell->Decode(*this);
     } else if (cell->NeedsDecoding(*this)) {
         cell->Decode(*this);

@@ -1,6 +1,7 @@
 #include "vdp2/vdp2_character_pattern/vdp2_character_pattern.h"
 
 #include <algorithm>
+#include <bit>
 
 #include "common/color_word.h"
 #include "vdp2/cram_colors.h"
@@ -109,9 +110,22 @@ CVdp2CharacterPattern::~CVdp2CharacterPattern() {
         CVdp2CharacterPattern*& slot = vdp2.cells[(first + i) % kSlotCount];
         if (slot == this) slot = nullptr;
     }
-    uint32_t pictures = 0;
-    for (const auto& picture : cellData) pictures += picture ? 1 : 0;
-    vdp2.cellCache.OnCellDeleted(sizeof *this, pictures, kPictureBytes);
+    DropPictures();
+    vdp2.cellCache.OnCellDeleted(sizeof *this);
+}
+
+void CVdp2CharacterPattern::DropPictures() {
+    uint32_t dropped = 0;
+    for (uint32_t word = 0; word < 2; ++word) {
+        for (uint64_t bits = usedBlocks[word]; bits; bits &= bits - 1) {
+            uint32_t*& picture = cellData[word * 64 + static_cast<uint32_t>(std::countr_zero(bits))];
+            delete[] picture;
+            picture = nullptr;
+            ++dropped;
+        }
+        usedBlocks[word] = 0;
+    }
+    if (dropped) module.vdp2->cellCache.OnPicturesDropped(dropped, kPictureBytes);
 }
 
 uint32_t CVdp2CharacterPattern::CellBytes() const {
@@ -146,17 +160,18 @@ bool CVdp2CharacterPattern::NeedsDecoding(const CPatternName& request) const {
 void CVdp2CharacterPattern::Decode(const CPatternName& request) {
     CVdp2& vdp2 = *module.vdp2;
     const uint32_t block = request.paletteBlock & (kPaletteBlocks - 1);
-    std::unique_ptr<uint32_t[]>& picture = cellData[block];
+    uint32_t*& picture = cellData[block];
     if (!picture) {
-        picture = std::make_unique<uint32_t[]>(kPictureWords);
-        vdp2.cellCache.OnPictureCreated(kPictureBytes);
+        picture = new uint32_t[kPictureWords];
+        usedBlocks[block / 64] |= uint64_t{1} << (block % 64);
+        vdp2.cellCache.OnPicturesAdded(1, kPictureBytes);
     }
     const DotSource source{vdp2.vram, vdp2.cram, module.colorTable, startAddress, block * 16,
                            !request.transparentDisplay};
     if (vdp2.cramMode == 2)
-        DecodeDots<true>(characterColorNumber, source, picture.get());
+        DecodeDots<true>(characterColorNumber, source, picture);
     else
-        DecodeDots<false>(characterColorNumber, source, picture.get());
+        DecodeDots<false>(characterColorNumber, source, picture);
     cellStamps[block] = vdp2.frameCounter;
     modified.store(false, std::memory_order_relaxed);
 }

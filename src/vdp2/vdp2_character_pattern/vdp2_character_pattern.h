@@ -3,11 +3,11 @@
 // palette it is drawn with. CVdp2's table `cells` has a slot per 32 bytes of
 // VRAM and a cell fills the slots its data covers (one for 16 colours, up to
 // eight for 16M colours). A VRAM write that changes a byte marks the cell of
-// its slot modified; the next request for it replaces the cell. A colour RAM
-// change re-decodes only the pictures whose palette changed, in place.
+// its slot modified; the next request for it drops all its pictures and
+// decodes anew. A colour RAM change re-decodes only the pictures whose
+// palette changed, in place.
 #include <atomic>
 #include <cstdint>
-#include <memory>
 
 #include "common/module_log.h"
 
@@ -45,8 +45,10 @@ public:
     // Decodes the dots for the request's palette into its picture (in place
     // when the palette already has one) and stamps it with this frame.
     void Decode(const CPatternName& request);
+    // Frees every picture: after a VRAM change they are all stale.
+    void DropPictures();
 
-    const uint32_t* Picture(uint32_t block) const { return cellData[block].get(); }
+    const uint32_t* Picture(uint32_t block) const { return cellData[block]; }
     uint32_t Stamp(uint32_t block) const { return cellStamps[block]; }
 
     uint32_t startAddress;
@@ -54,8 +56,9 @@ public:
     std::atomic<bool> modified{false};
     bool transparentDisplay;
     uint8_t characterColorNumber;
-    std::unique_ptr<uint32_t[]> cellData[kPaletteBlocks];
+    uint32_t* cellData[kPaletteBlocks] = {};  // owned; usedBlocks marks the ones set
     uint32_t cellStamps[kPaletteBlocks] = {};
+    uint64_t usedBlocks[2] = {};
 
 private:
     // Slots from startAddress on, as many as the cell's size fills; a cell
