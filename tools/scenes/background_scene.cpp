@@ -82,7 +82,8 @@ void DrawLeaves(CVdp1CommandList& list, const Assets& a, int frame) {
     for (int i = 0; i < kLeaves; ++i) {
         const double fall = 0.7 + 0.3 * (i % 4);
         const double y = Wrap(Noise(i, 20) * 256 + fall * frame, 256) - 16;
-        const double x = Wrap(Noise(i, 21) * 352 - 0.6 * frame, 352) - 16 + 10 * std::sin(Turn(frame, 90 + 10 * i, i * 0.13));
+        const double sway = 10 * std::sin(Turn(frame, 90 + 10 * i, i * 0.13));
+        const double x = Wrap(Noise(i, 21) * 352 - 0.6 * frame, 352) - 16 + sway;
         const double spin = Turn(frame, 120 + 17 * i, i / 10.0) * (i % 2 ? 1 : -1);
         const double tumble = std::cos(Turn(frame, 70 + 9 * i, i * 0.21));
         const double size = 7.0 + 1.5 * (i % 3);

@@ -200,16 +200,15 @@ int TreeDot(int dx, int y) {
         // Light on the clump and on the crown as a whole; the crown's
         // underside in shadow; leafy specks by little blocks of dots.
         const double cx = fx / kCrownRx, cy = (fy - kCrownY) / kCrownRy;
-        const double light = 0.45 * SphereLight(nx, ny) + 0.55 * SphereLight(std::clamp(cx, -0.95, 0.95), std::clamp(cy, -0.95, 0.95));
+        const double light =
+            0.45 * SphereLight(nx, ny) + 0.55 * SphereLight(std::clamp(cx, -0.95, 0.95), std::clamp(cy, -0.95, 0.95));
         const double speck = Noise((dx + 64) / 2, y / 2, 11) - 0.5;
         return RampCode(kFoliage, kFoliageCount, 0.08 + 0.85 * light + 0.25 * speck);
     }
-    // The trunk, flaring at the ground, and two boughs into the crown.
+    // The trunk, flaring at the ground.
     const double up = 96 - fy;
     const double half = 3.5 + up * 0.02 + (up < 6 ? (6 - up) * 0.5 : 0.0);
-    const bool bough = fy > kCrownY && fy < kCrownY + 22 &&
-                       (std::fabs(fx + (kCrownY + 22 - fy) * 0.55) < 2.0 || std::fabs(fx - (kCrownY + 22 - fy) * 0.6) < 2.0);
-    if ((fy > kCrownY + 10 && std::fabs(fx) < half) || bough) {
+    if (fy > kCrownY + 10 && std::fabs(fx) < half) {
         const double shade = 0.75 - 0.55 * (fx + half) / (2 * half) + 0.15 * (Noise(dx + 64, y / 4, 12) - 0.5);
         return RampCode(kBark, kBarkCount, shade);
     }

@@ -45,7 +45,8 @@ void SetUpPlane(CSceneBuilder& scene, int background, const PixelCodes& picture,
     scene.Vdp2Register(MapAB(background), maps);
     scene.Vdp2Register(MapCD(background), maps);
     // Bit 15: one-word names; bits 4-0 the upper bits of their character numbers.
-    const uint16_t nameControl = format.oneWordNames ? static_cast<uint16_t>(0x8000 | SupplementaryCharacterNumber(format)) : 0;
+    const uint16_t nameControl =
+        format.oneWordNames ? static_cast<uint16_t>(0x8000 | SupplementaryCharacterNumber(format)) : 0;
     scene.Vdp2Register(kPncn0 + 2 * static_cast<uint32_t>(background), nameControl);
 }
 

@@ -96,8 +96,9 @@ PixelCodes BalloonPicture() {
             const double fx = x + 0.5 - kCentre, fy = y + 0.5;
             if (fy < kNeck) {
                 // Round on top, narrowing to the mouth below.
-                const double half = fy < kWidest ? std::sqrt(std::max(0.0, kRadius * kRadius - (kWidest - fy) * (kWidest - fy)))
-                                                 : 5 + (kRadius - 5) * (0.5 + 0.5 * std::cos(kPi * (fy - kWidest) / (kNeck - kWidest)));
+                const double above = kWidest - fy, below = (fy - kWidest) / (kNeck - kWidest);
+                const double half = fy < kWidest ? std::sqrt(std::max(0.0, kRadius * kRadius - above * above))
+                                                 : 5 + (kRadius - 5) * (0.5 + 0.5 * std::cos(kPi * below));
                 if (std::fabs(fx) >= half) continue;
                 if (fy > kNeck - 2.5) {
                     p.At(x, y) = kSkirt;
