@@ -7,6 +7,7 @@
 #include <string>
 #include <system_error>
 
+#include "background_scene.h"
 #include "scene_builder.h"
 #include "sprite_showcase.h"
 
@@ -21,6 +22,7 @@ struct Scene {
 
 constexpr Scene kScenes[] = {
     {"sprites", vdpgl::scenes::WriteSpriteShowcase},
+    {"backgrounds", vdpgl::scenes::WriteBackgroundScene},
 };
 
 int Usage(std::FILE* to) {

@@ -13,7 +13,8 @@ constexpr uint32_t kVramMask = 0x7FFFF;
 
 bool CSceneBuilder::Open(const std::string& path) {
     frame = 0;
-    known.assign(known.size(), false);
+    vdp1.known.assign(vdp1.known.size(), false);
+    vdp2.known.assign(vdp2.known.size(), false);
     return writer.Open(path);
 }
 
@@ -34,21 +35,29 @@ bool CSceneBuilder::End() {
     return writer.Close();
 }
 
-void CSceneBuilder::Vdp1Word(uint32_t address, uint16_t value) {
+void CSceneBuilder::Word(Vram& vram, Port port, uint32_t address, uint16_t value) {
     const uint32_t index = (address & kVramMask) >> 1;
-    if (Unchanged(index, value)) return;
-    Remember(index, value);
-    writer.WritePort(Port::WriteWordVDP1VRAM, address & kVramMask & ~1u, value);
+    if (vram.Unchanged(index, value)) return;
+    vram.Remember(index, value);
+    writer.WritePort(port, index * 2, value);
 }
 
-void CSceneBuilder::Vdp1Long(uint32_t address, uint32_t value) {
+void CSceneBuilder::Long(Vram& vram, Port port, uint32_t address, uint32_t value) {
     const uint32_t index = (address & kVramMask & ~3u) >> 1;
     const uint16_t upper = static_cast<uint16_t>(value >> 16), lower = static_cast<uint16_t>(value);
-    if (Unchanged(index, upper) && Unchanged(index + 1, lower)) return;
-    Remember(index, upper);
-    Remember(index + 1, lower);
-    writer.WritePort(Port::WriteLongVDP1VRAM, index * 2, value);
+    if (vram.Unchanged(index, upper) && vram.Unchanged(index + 1, lower)) return;
+    vram.Remember(index, upper);
+    vram.Remember(index + 1, lower);
+    writer.WritePort(port, index * 2, value);
 }
+
+void CSceneBuilder::Vdp1Word(uint32_t address, uint16_t value) { Word(vdp1, Port::WriteWordVDP1VRAM, address, value); }
+
+void CSceneBuilder::Vdp1Long(uint32_t address, uint32_t value) { Long(vdp1, Port::WriteLongVDP1VRAM, address, value); }
+
+void CSceneBuilder::Vdp2Word(uint32_t address, uint16_t value) { Word(vdp2, Port::WriteWordVDP2VRAM, address, value); }
+
+void CSceneBuilder::Vdp2Long(uint32_t address, uint32_t value) { Long(vdp2, Port::WriteLongVDP2VRAM, address, value); }
 
 void CSceneBuilder::Vdp1Register(uint32_t address, uint16_t value) {
     writer.WritePort(Port::WriteWordVDP1Regs, address, value);

@@ -1,9 +1,9 @@
 #pragma once
 // CSceneBuilder: writes a trace the way a game drives the video chips, one
 // port call at a time, framed by the lifecycle and blanking events a host
-// sends. VDP1 VRAM writes that would store the value already there are left
-// out, so a scene may rewrite its whole command list every frame and the
-// trace still holds only what moved.
+// sends. VRAM writes (VDP1 and VDP2) that would store the value already
+// there are left out, so a scene may rewrite its whole command list or
+// bitmap every frame and the trace still holds only what moved.
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -29,6 +29,9 @@ public:
     // Four bytes at a 4-byte aligned address, the first in bits 31-24.
     void Vdp1Long(uint32_t address, uint32_t value);
     void Vdp1Register(uint32_t address, uint16_t value);
+    void Vdp2Word(uint32_t address, uint16_t value);
+    // Four bytes at a 4-byte aligned address, the first in bits 31-24.
+    void Vdp2Long(uint32_t address, uint32_t value);
     void Vdp2Register(uint32_t address, uint16_t value);
     // One colour RAM entry (an RGB555 word in colour RAM mode 0).
     void CramWord(uint32_t index, uint16_t value);
@@ -36,19 +39,25 @@ public:
     uint32_t FramesWritten() const { return frame; }
 
 private:
-    // What VDP1 VRAM holds after the writes so far, a word an entry; known
+    // What one VRAM holds after the writes so far, a word an entry; known
     // marks the words written at least once (the rest are unknown, not 0).
-    bool Unchanged(uint32_t wordIndex, uint16_t value) const { return known[wordIndex] && vram[wordIndex] == value; }
-    void Remember(uint32_t wordIndex, uint16_t value) {
-        vram[wordIndex] = value;
-        known[wordIndex] = true;
-    }
+    struct Vram {
+        static constexpr uint32_t kWords = 0x80000 / 2;
+        std::vector<uint16_t> words = std::vector<uint16_t>(kWords);
+        std::vector<bool> known = std::vector<bool>(kWords);
 
-    static constexpr uint32_t kVramWords = 0x80000 / 2;
+        bool Unchanged(uint32_t index, uint16_t value) const { return known[index] && words[index] == value; }
+        void Remember(uint32_t index, uint16_t value) {
+            words[index] = value;
+            known[index] = true;
+        }
+    };
+
+    void Word(Vram& vram, trace::Port port, uint32_t address, uint16_t value);
+    void Long(Vram& vram, trace::Port port, uint32_t address, uint32_t value);
 
     trace::CTraceWriter writer;
-    std::vector<uint16_t> vram = std::vector<uint16_t>(kVramWords);
-    std::vector<bool> known = std::vector<bool>(kVramWords);
+    Vram vdp1, vdp2;
     uint32_t frame = 0;
 };
 

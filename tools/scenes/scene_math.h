@@ -4,6 +4,7 @@
 // loops over a whole number of frames, so a scene can repeat seamlessly).
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <numbers>
 
@@ -17,6 +18,14 @@ constexpr Rgb Mix(Rgb a, Rgb b, float t) {
     return {a.r + (b.r - a.r) * t, a.g + (b.g - a.g) * t, a.b + (b.b - a.b) * t};
 }
 constexpr Rgb Scale(Rgb c, float k) { return {c.r * k, c.g * k, c.b * k}; }
+
+// A colour along a list of evenly spaced stops, t in [0, 1].
+template <size_t N>
+Rgb Ramp(const Rgb (&stops)[N], double t) {
+    const double x = std::clamp(t, 0.0, 1.0) * (N - 1);
+    const size_t i = std::min(static_cast<size_t>(x), N - 2);
+    return Mix(stops[i], stops[i + 1], static_cast<float>(x - static_cast<double>(i)));
+}
 
 inline int Channel5(float v) { return static_cast<int>(std::lround(std::clamp(v, 0.0f, 1.0f) * 31.0f)); }
 
@@ -39,6 +48,22 @@ inline Rgb Hue(float turns) {
     case 4: return {x, 0, 1};
     default: return {1, 0, x};
     }
+}
+
+// An ordered-dither threshold in (0, 1) for a dot: a level whose fraction
+// exceeds it rounds up, so flat areas between two colours mix evenly.
+inline double DitherThreshold(int x, int y) {
+    static constexpr int kBayer[4][4] = {{0, 8, 2, 10}, {12, 4, 14, 6}, {3, 11, 1, 9}, {15, 7, 13, 5}};
+    return (kBayer[y & 3][x & 3] + 0.5) / 16.0;
+}
+
+// A repeatable pseudo-random number in [0, 1) for a position and a seed.
+inline double Noise(int x, int y, uint32_t seed = 0) {
+    uint32_t h = static_cast<uint32_t>(x) * 0x8DA6B343u ^ static_cast<uint32_t>(y) * 0xD8163841u ^ seed * 0xCB1AB31Fu;
+    h ^= h >> 13;
+    h *= 0x5BD1E995u;
+    h ^= h >> 15;
+    return (h & 0xFFFFFF) / static_cast<double>(0x1000000);
 }
 
 // The angle, in radians, reached at a frame by something turning once every

@@ -19,14 +19,6 @@ uint16_t Level(double t, int first, int last) {
     return static_cast<uint16_t>(first + std::min(k, span - 1));
 }
 
-// A colour along a list of evenly spaced stops, t in [0, 1].
-template <size_t N>
-Rgb Ramp(const Rgb (&stops)[N], double t) {
-    const double x = std::clamp(t, 0.0, 1.0) * (N - 1);
-    const size_t i = std::min(static_cast<size_t>(x), N - 2);
-    return Mix(stops[i], stops[i + 1], static_cast<float>(x - static_cast<double>(i)));
-}
-
 }  // namespace
 
 PixelCodes BallPicture(int size) {

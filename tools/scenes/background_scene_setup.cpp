@@ -1,0 +1,128 @@
+#include "background_scene_setup.h"
+
+#include <cstddef>
+
+#include "background_scene_art.h"
+#include "background_scene_layout.h"
+#include "background_scene_title.h"
+#include "scene_builder.h"
+#include "vdp2_cells.h"
+#include "vdp2_registers.h"
+
+namespace vdpgl::scenes::backgrounds {
+
+namespace {
+
+using namespace vdp2;
+
+// VDP1 register addresses.
+constexpr uint32_t kTvmr = 0x00, kFbcr = 0x02, kPtmr = 0x04;
+
+constexpr Vdp2CellFormat kFarFormat{false, false, true, kFarCellAddress};   // 16 colours, one cell, one word
+constexpr Vdp2CellFormat kMidFormat{false, false, true, kMidCellAddress};   // the same
+constexpr Vdp2CellFormat kNearFormat{true, true, false, kNearCellAddress};  // 256 colours, 2 x 2 cells, two words
+
+template <size_t N>
+void WritePalette(CSceneBuilder& scene, uint32_t first, const std::array<uint16_t, N>& colors) {
+    for (size_t i = 0; i < N; ++i) scene.CramWord(first + static_cast<uint32_t>(i), colors[i]);
+}
+
+uint32_t ColorRamStart(uint32_t offset) { return offset * 256; }
+
+// The map register value that puts every plane A-D at one page: the page's
+// number in both halves of MPABN and MPCDN.
+uint16_t SamePageEverywhere(uint32_t mapAddress, uint32_t pageBytes) {
+    const auto page = static_cast<uint16_t>(mapAddress / pageBytes);
+    return static_cast<uint16_t>(page << 8 | page);
+}
+
+void SetUpPlane(CSceneBuilder& scene, int background, const PixelCodes& picture, const Vdp2CellFormat& format,
+                uint32_t mapAddress) {
+    UploadPlane(scene, EncodePlane(picture, format), format, mapAddress);
+    // One page is 64 x 64 (one-cell) or 32 x 32 (2 x 2) names of 2 or 4 bytes.
+    const uint32_t pageBytes = (format.twoByTwo ? 32u * 32u : 64u * 64u) * (format.oneWordNames ? 2u : 4u);
+    const uint16_t maps = SamePageEverywhere(mapAddress, pageBytes);
+    scene.Vdp2Register(MapAB(background), maps);
+    scene.Vdp2Register(MapCD(background), maps);
+    // Bit 15: one-word names; bits 4-0 the upper bits of their character numbers.
+    const uint16_t nameControl =
+        format.oneWordNames ? static_cast<uint16_t>(0x8000 | SupplementaryCharacterNumber(format)) : 0;
+    scene.Vdp2Register(kPncn0 + 2 * static_cast<uint32_t>(background), nameControl);
+}
+
+void SetUpVdp2(CSceneBuilder& scene) {
+    // Colour RAM mode 0: 1024 RGB555 colours.
+    scene.Vdp2Register(kRamctl, 0x0000);
+
+    WritePalette(scene, ColorRamStart(kFarColorOffset) + kSkyPalette * 16, SkyPalette());
+    WritePalette(scene, ColorRamStart(kFarColorOffset) + kMoonPalette * 16, MoonPalette());
+    WritePalette(scene, ColorRamStart(kFarColorOffset) + kMountainPalette * 16, MountainPalette());
+    WritePalette(scene, ColorRamStart(kMidColorOffset) + kLitHillPalette * 16, HillPalette(true));
+    WritePalette(scene, ColorRamStart(kMidColorOffset) + kShadedHillPalette * 16, HillPalette(false));
+    WritePalette(scene, ColorRamStart(kNearColorOffset), NearPalette());
+    WritePalette(scene, ColorRamStart(kTitleColorOffset), TitlePalette());
+    scene.Vdp2Register(kCraofa, static_cast<uint16_t>(kFarColorOffset << 12 | kMidColorOffset << 8 |
+                                                      kNearColorOffset << 4 | kTitleColorOffset));
+
+    // NBG0: a 512 x 256 bitmap of 256 colours (bits 6-4 = 1, 3-2 = 0, bit 1
+    // bitmap). NBG1: 256 colours, 2 x 2 cells. NBG2, NBG3: 16 colours, one cell.
+    scene.Vdp2Register(kChctla, 0x1112);
+    scene.Vdp2Register(kChctlb, 0x0000);
+    scene.Vdp2Register(kBmpna, 0x0000);
+    // Planes of one page, and map offset 0: the bitmap starts at VRAM 0.
+    scene.Vdp2Register(kPlsz, 0x0000);
+    scene.Vdp2Register(kMpofn, 0x0000);
+    SetUpPlane(scene, 3, FarPicture(), kFarFormat, kFarMapAddress);
+    SetUpPlane(scene, 2, MidPicture(), kMidFormat, kMidMapAddress);
+    SetUpPlane(scene, 1, NearPicture(), kNearFormat, kNearMapAddress);
+
+    // NBG0 at its own size; NBG1 shown twice as large (0.5 map dots a dot).
+    scene.Vdp2Register(kZmxin0, 1);
+    scene.Vdp2Register(kZmyin0, 1);
+    constexpr uint16_t kHalf = 0x8000;  // the fraction .5 in bits 15-8
+    static_assert(kNearZoom == 2);
+    scene.Vdp2Register(kZmxin1, 0);
+    scene.Vdp2Register(kZmxdn1, kHalf);
+    scene.Vdp2Register(kZmyin1, 0);
+    scene.Vdp2Register(kZmydn1, kHalf);
+
+    scene.Vdp2Register(kPrina, kNearPriority << 8 | kTitlePriority);
+    scene.Vdp2Register(kPrinb, kFarPriority << 8 | kMidPriority);
+    // Sprite type 0 (RGB pixels allowed): priority number 0 in front, 1 behind the near layer.
+    scene.Vdp2Register(kSpctl, 0x0020);
+    scene.Vdp2Register(kPrisa, kBehindPriority << 8 | kFrontPriority);
+    for (uint32_t i = 1; i < 4; ++i) scene.Vdp2Register(kPrisa + 2 * i, kFrontPriority << 8 | kFrontPriority);
+
+    // NBG0 to NBG3 on, dots 0 transparent.
+    scene.Vdp2Register(kBgon, 0x000F);
+}
+
+}  // namespace
+
+Assets SetUp(CSceneBuilder& scene) {
+    SetUpVdp2(scene);
+
+    WritePalette(scene, kRedLeafBank, LeafPalette({0.85f, 0.25f, 0.08f}));
+    WritePalette(scene, kYellowLeafBank, LeafPalette({0.95f, 0.7f, 0.12f}));
+    WritePalette(scene, kBirdBank, BirdPalette());
+    WritePalette(scene, kBalloonBank, BalloonPalette());
+    Assets a;
+    a.title = TitlePicture();
+    CVdp1PatternArea area(scene);
+    a.redLeaf = area.Upload(LeafPicture(), ColorMode::Bank16, kRedLeafBank | kFrontSprite);
+    a.yellowLeaf = a.redLeaf;
+    a.yellowLeaf.colr = kYellowLeafBank | kFrontSprite;
+    a.balloon = area.Upload(BalloonPicture(), ColorMode::Bank16, kBalloonBank | kBehindSprite);
+    for (int w = 0; w < kWingPositions; ++w)
+        a.birds[w] = area.Upload(BirdPicture(w), ColorMode::Bank16, kBirdBank | kBehindSprite);
+
+    // One-cycle mode, drawing at every frame change.
+    scene.Vdp1Register(kTvmr, 0x0000);
+    scene.Vdp1Register(kFbcr, 0x0000);
+    scene.Vdp1Register(kPtmr, 0x0002);
+    // 320 x 224, non-interlaced, display on.
+    scene.Vdp2Register(kTvmd, 0x8000);
+    return a;
+}
+
+}  // namespace vdpgl::scenes::backgrounds
