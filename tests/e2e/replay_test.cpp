@@ -1,4 +1,4 @@
-// End to end, as a user runs it: vdpgl-play replays the demo trace through the built plug-in from a file,
+// End to end, as a user runs it: vdpgl-play replays the demo traces through the built plug-in from a file,
 // a pipe, a FIFO or a recording of it, to the reference pictures of tests/data; what goes wrong is said once.
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -76,6 +76,14 @@ TEST_F(ReplayTest, ShowcaseFromEverySourceMatchesTheReferencePictures) {
             else EXPECT_EQ(PixelsApart(frames / name, fs::path("frames0") / name, 0), 0) << name;
         }
     }
+}
+
+TEST_F(ReplayTest, BackgroundsSceneMatchesTheReferencePictures) {
+    // Three cell planes scrolling at their own speeds, one of them zoomed, a bitmap and sprites between them.
+    const ProcessResult run = Play("--capture-every 145 --capture-dir frames backgrounds.trace");
+    EXPECT_TRUE(run.status == 0 && run.output.find("300 frames played, 3 written") != std::string::npos) << run.output;
+    for (const std::string name : {"frame-000000.png", "frame-000145.png", "frame-000290.png"})
+        EXPECT_LE(PixelsApart(fs::path("frames") / name, VDPGL_TEST_DATA "/backgrounds-" + name, 3), 40) << name;
 }
 
 // Each run ends with its exit code and says what it must, once: what is wrong, and why it plays on.

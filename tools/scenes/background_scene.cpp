@@ -32,14 +32,14 @@ double Wrap(double x, double m) { return x - m * std::floor(x / m); }
 void ScrollLayers(CSceneBuilder& scene, int frame) {
     using namespace vdp2;
     // Map dots a frame: far 1/4, middle 1, near 1 (shown as 2 dots at its zoom).
-    scene.Vdp2Register(kScxn3, Scroll(frame / 4));
-    scene.Vdp2Register(kScyn3, 0);
-    scene.Vdp2Register(kScxn2, Scroll(frame));
-    scene.Vdp2Register(kScyn2, 0);
-    scene.Vdp2Register(kScxin1, Scroll(frame));
-    scene.Vdp2Register(kScyin1, 0);
-    scene.Vdp2Register(kScxin0, Scroll(Wave(frame, 300, 3)));
-    scene.Vdp2Register(kScyin0, Scroll(Wave(frame, 100, 2)));
+    scene.Vdp2Register(SCXN3, Scroll(frame / 4));
+    scene.Vdp2Register(SCYN3, 0);
+    scene.Vdp2Register(SCXN2, Scroll(frame));
+    scene.Vdp2Register(SCYN2, 0);
+    scene.Vdp2Register(SCXIN1, Scroll(frame));
+    scene.Vdp2Register(SCYIN1, 0);
+    scene.Vdp2Register(SCXIN0, Scroll(Wave(frame, 300, 3)));
+    scene.Vdp2Register(SCYIN0, Scroll(Wave(frame, 100, 2)));
 }
 
 void Twinkle(CSceneBuilder& scene, int frame) {

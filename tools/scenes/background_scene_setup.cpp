@@ -47,12 +47,12 @@ void SetUpPlane(CSceneBuilder& scene, int background, const PixelCodes& picture,
     // Bit 15: one-word names; bits 4-0 the upper bits of their character numbers.
     const uint16_t nameControl =
         format.oneWordNames ? static_cast<uint16_t>(0x8000 | SupplementaryCharacterNumber(format)) : 0;
-    scene.Vdp2Register(kPncn0 + 2 * static_cast<uint32_t>(background), nameControl);
+    scene.Vdp2Register(PNCN0 + 2 * static_cast<uint32_t>(background), nameControl);
 }
 
 void SetUpVdp2(CSceneBuilder& scene) {
     // Colour RAM mode 0: 1024 RGB555 colours.
-    scene.Vdp2Register(kRamctl, 0x0000);
+    scene.Vdp2Register(RAMCTL, 0x0000);
 
     WritePalette(scene, ColorRamStart(kFarColorOffset) + kSkyPalette * 16, SkyPalette());
     WritePalette(scene, ColorRamStart(kFarColorOffset) + kMoonPalette * 16, MoonPalette());
@@ -61,40 +61,40 @@ void SetUpVdp2(CSceneBuilder& scene) {
     WritePalette(scene, ColorRamStart(kMidColorOffset) + kShadedHillPalette * 16, HillPalette(false));
     WritePalette(scene, ColorRamStart(kNearColorOffset), NearPalette());
     WritePalette(scene, ColorRamStart(kTitleColorOffset), TitlePalette());
-    scene.Vdp2Register(kCraofa, static_cast<uint16_t>(kFarColorOffset << 12 | kMidColorOffset << 8 |
+    scene.Vdp2Register(CRAOFA, static_cast<uint16_t>(kFarColorOffset << 12 | kMidColorOffset << 8 |
                                                       kNearColorOffset << 4 | kTitleColorOffset));
 
     // NBG0: a 512 x 256 bitmap of 256 colours (bits 6-4 = 1, 3-2 = 0, bit 1
     // bitmap). NBG1: 256 colours, 2 x 2 cells. NBG2, NBG3: 16 colours, one cell.
-    scene.Vdp2Register(kChctla, 0x1112);
-    scene.Vdp2Register(kChctlb, 0x0000);
-    scene.Vdp2Register(kBmpna, 0x0000);
+    scene.Vdp2Register(CHCTLA, 0x1112);
+    scene.Vdp2Register(CHCTLB, 0x0000);
+    scene.Vdp2Register(BMPNA, 0x0000);
     // Planes of one page, and map offset 0: the bitmap starts at VRAM 0.
-    scene.Vdp2Register(kPlsz, 0x0000);
-    scene.Vdp2Register(kMpofn, 0x0000);
+    scene.Vdp2Register(PLSZ, 0x0000);
+    scene.Vdp2Register(MPOFN, 0x0000);
     SetUpPlane(scene, 3, FarPicture(), kFarFormat, kFarMapAddress);
     SetUpPlane(scene, 2, MidPicture(), kMidFormat, kMidMapAddress);
     SetUpPlane(scene, 1, NearPicture(), kNearFormat, kNearMapAddress);
 
     // NBG0 at its own size; NBG1 shown twice as large (0.5 map dots a dot).
-    scene.Vdp2Register(kZmxin0, 1);
-    scene.Vdp2Register(kZmyin0, 1);
+    scene.Vdp2Register(ZMXIN0, 1);
+    scene.Vdp2Register(ZMYIN0, 1);
     constexpr uint16_t kHalf = 0x8000;  // the fraction .5 in bits 15-8
     static_assert(kNearZoom == 2);
-    scene.Vdp2Register(kZmxin1, 0);
-    scene.Vdp2Register(kZmxdn1, kHalf);
-    scene.Vdp2Register(kZmyin1, 0);
-    scene.Vdp2Register(kZmydn1, kHalf);
+    scene.Vdp2Register(ZMXIN1, 0);
+    scene.Vdp2Register(ZMXDN1, kHalf);
+    scene.Vdp2Register(ZMYIN1, 0);
+    scene.Vdp2Register(ZMYDN1, kHalf);
 
-    scene.Vdp2Register(kPrina, kNearPriority << 8 | kTitlePriority);
-    scene.Vdp2Register(kPrinb, kFarPriority << 8 | kMidPriority);
+    scene.Vdp2Register(PRINA, kNearPriority << 8 | kTitlePriority);
+    scene.Vdp2Register(PRINB, kFarPriority << 8 | kMidPriority);
     // Sprite type 0 (RGB pixels allowed): priority number 0 in front, 1 behind the near layer.
-    scene.Vdp2Register(kSpctl, 0x0020);
-    scene.Vdp2Register(kPrisa, kBehindPriority << 8 | kFrontPriority);
-    for (uint32_t i = 1; i < 4; ++i) scene.Vdp2Register(kPrisa + 2 * i, kFrontPriority << 8 | kFrontPriority);
+    scene.Vdp2Register(SPCTL, 0x0020);
+    scene.Vdp2Register(PRISA, kBehindPriority << 8 | kFrontPriority);
+    for (uint32_t i = 1; i < 4; ++i) scene.Vdp2Register(PRISA + 2 * i, kFrontPriority << 8 | kFrontPriority);
 
     // NBG0 to NBG3 on, dots 0 transparent.
-    scene.Vdp2Register(kBgon, 0x000F);
+    scene.Vdp2Register(BGON, 0x000F);
 }
 
 }  // namespace
@@ -121,7 +121,7 @@ Assets SetUp(CSceneBuilder& scene) {
     scene.Vdp1Register(kFbcr, 0x0000);
     scene.Vdp1Register(kPtmr, 0x0002);
     // 320 x 224, non-interlaced, display on.
-    scene.Vdp2Register(kTvmd, 0x8000);
+    scene.Vdp2Register(TVMD, 0x8000);
     return a;
 }
 

@@ -9,14 +9,15 @@
 #include "sprite_showcase_art.h"
 #include "sprite_showcase_layout.h"
 #include "vdp1_patterns.h"
+#include "vdp2/vdp2_registers.h"
 
 namespace vdpgl::scenes::showcase {
 
 namespace {
 
-// VDP1 and VDP2 register addresses.
+// VDP1 register addresses; VDP2's are the plug-in's own.
 constexpr uint32_t kTvmr = 0x00, kFbcr = 0x02, kPtmr = 0x04;
-constexpr uint32_t kTvmd = 0x000, kRamctl = 0x00E, kSpctl = 0x0E0, kPrisa = 0x0F0;
+using namespace vdp2reg;
 
 // A gouraud table entry: per channel, 16 leaves the colour as it is.
 uint16_t Shade(int r, int g, int b) { return static_cast<uint16_t>((b << 10) | (g << 5) | r); }
@@ -36,9 +37,9 @@ void AddCaption(Assets& assets, CVdp1PatternArea& area, std::string_view text, i
 Assets SetUp(CSceneBuilder& scene) {
     // Colour RAM mode 0; sprite type 0 with RGB pixels allowed; every sprite
     // priority number at level 6, so the whole list composes in command order.
-    scene.Vdp2Register(kRamctl, 0x0000);
-    scene.Vdp2Register(kSpctl, 0x0020);
-    for (uint32_t i = 0; i < 4; ++i) scene.Vdp2Register(kPrisa + 2 * i, 0x0606);
+    scene.Vdp2Register(RAMCTL, 0x0000);
+    scene.Vdp2Register(SPCTL, 0x0020);
+    for (uint32_t i = 0; i < 4; ++i) scene.Vdp2Register(PRISA + 2 * i, 0x0606);
 
     std::array<uint16_t, 16> captionColors{};
     captionColors[1] = ToCramColor({0.9f, 0.92f, 1.0f});
@@ -94,7 +95,7 @@ Assets SetUp(CSceneBuilder& scene) {
     scene.Vdp1Register(kFbcr, 0x0000);
     scene.Vdp1Register(kPtmr, 0x0002);
     // 320 x 224, non-interlaced, display on.
-    scene.Vdp2Register(kTvmd, 0x8000);
+    scene.Vdp2Register(TVMD, 0x8000);
     return a;
 }
 
