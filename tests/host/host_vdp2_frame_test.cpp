@@ -15,7 +15,8 @@ namespace {
 using namespace vdpgl::host;
 using namespace vdpgl::test;
 
-uint16_t CramColour(int i) { return static_cast<uint16_t>((i * 2731 + 977) & 0x7FFF); }
+// Half the colours with bit 15 set, which the colour lookup ignores.
+uint16_t CramColour(int i) { return static_cast<uint16_t>((i % 2) << 15 | ((i * 2731 + 977) & 0x7FFF)); }
 
 // Register offsets.
 constexpr uint32_t BGON = 0x020, CHCTLA = 0x028, BMPNA = 0x02C, PNCN0 = 0x030, PLSZ = 0x03A, MPOFN = 0x03C,
@@ -48,11 +49,12 @@ protected:
     uint16_t WordAt(uint32_t a) const { return static_cast<uint16_t>(vram[a] << 8 | vram[a + 1]); }
     uint32_t LongAt(uint32_t a) const { return uint32_t{WordAt(a)} << 16 | WordAt(a + 2); }
 
-    // Dot (x, y) of an 8 x 8 16-colour cell at `address`, palette p (16 colours each), 0: transparent.
-    Rgba CellDot(uint32_t address, int x, int y, int p) const {
+    // Dot (x, y) of an 8 x 8 16-colour cell at `address`, palette p (16 colours each); dot 0 is transparent unless
+    // the background shows it.
+    Rgba CellDot(uint32_t address, int x, int y, int p, bool showZero = false) const {
         const uint8_t byte = vram[address + static_cast<uint32_t>(y * 4 + x / 2)];
         const int d = x % 2 ? byte & 15 : byte >> 4;
-        return d ? Rgb555(cram[static_cast<size_t>(p * 16 + d)]) : kClear;
+        return d || showZero ? Rgb555(cram[static_cast<size_t>(p * 16 + d)]) : kClear;
     }
 
     // Composes layers back to front, then what is drawn over them.
@@ -103,13 +105,14 @@ TEST_F(HostVdp2FrameTest, ScrolledCellPlaneUnderABitmapUnderAPolygonAtOneLevelAn
                      {{.ctrl = kPolygonCmd, .colr = 0x7C1F, .xa = 150, .ya = 40, .xb = 190, .yb = 40, .xc = 190,
                        .yc = 70, .xd = 150, .yd = 70}});
 
-    const Layer nbg1 = [this](int x, int y) {
+    bool transparentDisplay = false;
+    const Layer nbg1 = [&](int x, int y) {
         const int mx = (x + 37) & 511, my = (y - 21) & 511, cx = mx / 8, cy = my / 8;
         const uint16_t pn = WordAt(kMap + static_cast<uint32_t>((cy * 64 + cx) * 2));
         int dx = mx % 8, dy = my % 8;
         if (pn & 0x400) dx = 7 - dx;
         if (pn & 0x800) dy = 7 - dy;
-        return CellDot((pn & 0x3FFu) * 32, dx, dy, pn >> 12);
+        return CellDot((pn & 0x3FFu) * 32, dx, dy, pn >> 12, transparentDisplay);
     };
     const Layer nbg0 = [this](int x, int y) {
         const uint8_t d = vram[kBitmap + static_cast<uint32_t>(((y + 3) & 255) * 512 + ((x - 5) & 511))];
@@ -122,6 +125,11 @@ TEST_F(HostVdp2FrameTest, ScrolledCellPlaneUnderABitmapUnderAPolygonAtOneLevelAn
     Byte(kCells + 2 * 32 + 9, 0x5A);
     Cram(5 * 16 + 3, 0x7FFF);
     Byte(kBitmap + 10 * 512 + 20, 99);
+    ExpectFrame(Compose({nbg1, nbg0, polygon}));
+
+    // NBG1's transparent-display bit: its dots 0 show colour 0 of their palette.
+    Reg(BGON, 0x0203);
+    transparentDisplay = true;
     ExpectFrame(Compose({nbg1, nbg0, polygon}));
 }
 
