@@ -50,6 +50,22 @@ VDPGL_EXPORT void VDPOnHblankOut(void);
 VDPGL_EXPORT void GetDisplaySize(int* width, int* height);
 VDPGL_EXPORT int CaptureDisplay(unsigned char* rgba, int width, int height);
 
+/* What the plug-in's caches hold: VDP1's character patterns and their
+ * textures within the texture budget, and VDP2's decoded cells and their
+ * pictures (one per palette a cell is drawn with). GetCacheCounters fills
+ * the record and returns 1, or returns 0 before InitVDPPlugin; any thread
+ * may call it. */
+typedef struct VdpglCacheCounters {
+    uint32_t vdp1Patterns;
+    uint32_t vdp1Textures;
+    uint64_t vdp1TextureBytes;
+    uint64_t vdp1TextureBudget;
+    uint32_t vdp2Cells;
+    uint32_t vdp2Pictures;
+    uint64_t vdp2CellBytes;
+} VdpglCacheCounters;
+VDPGL_EXPORT int GetCacheCounters(VdpglCacheCounters* counters);
+
 /* Memory and register ports. Addresses are masked by each memory's size. */
 VDPGL_EXPORT void WriteByteVDP1FrameBuffer(uint32_t address, uint8_t value);
 VDPGL_EXPORT void WriteWordVDP1FrameBuffer(uint32_t address, uint16_t value);

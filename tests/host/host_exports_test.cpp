@@ -39,6 +39,8 @@ TEST_F(HostExportsTest, InformationAnswersAndPortsAreHarmlessBeforeInitialisatio
     x().VDPOnVblankOut();
     x().VDPOnHblankIn();
     EXPECT_EQ(x().ReadLongVDP1VRAM(0) | x().ReadWordVDP2Regs(4) | x().ReadWordVDP1Regs(0x16), 0u);
+    VdpglCacheCounters counters{};
+    EXPECT_EQ(x().GetCacheCounters(&counters), 0);
 }
 
 TEST_F(HostExportsTest, InitialisationCreatesTheReplacementFolderAndDeletesOldLogs) {

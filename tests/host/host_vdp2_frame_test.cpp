@@ -120,6 +120,10 @@ TEST_F(HostVdp2FrameTest, ScrolledCellPlaneUnderABitmapUnderAPolygonAtOneLevelAn
     };
     const Layer polygon = [](int x, int y) { return x >= 150 && x < 190 && y >= 40 && y < 70 ? ShapeColour(0x7C1F) : kClear; };
     ExpectFrame(Compose({nbg1, nbg0, polygon}));
+    VdpglCacheCounters caches{};
+    ASSERT_EQ(x().GetCacheCounters(&caches), 1);
+    EXPECT_EQ(caches.vdp2Cells * 10 + caches.vdp2Pictures, 6u * 10 + 6) << "six characters, each with one palette";
+    EXPECT_GT(caches.vdp2CellBytes, 6u * 256);
 
     // Rewritten cell data, a changed colour of palette 5 and a new bitmap dot show in the next frame.
     Byte(kCells + 2 * 32 + 9, 0x5A);

@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <string>
 
+#include "vdpgl/vdpgl.h"
+
 namespace vdpgl::host {
 
 // Every export of the plug-in with its signature: X(name, result, arguments).
@@ -25,6 +27,7 @@ namespace vdpgl::host {
     X(VDPOnHblankOut, void, ())                                  \
     X(GetDisplaySize, void, (int*, int*))                        \
     X(CaptureDisplay, int, (unsigned char*, int, int))           \
+    X(GetCacheCounters, int, (VdpglCacheCounters*))              \
     X(WriteByteVDP1FrameBuffer, void, (uint32_t, uint8_t))       \
     X(WriteWordVDP1FrameBuffer, void, (uint32_t, uint16_t))      \
     X(WriteLongVDP1FrameBuffer, void, (uint32_t, uint32_t))      \

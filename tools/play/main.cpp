@@ -34,6 +34,13 @@ void ReportBench(const vdpgl::play::PlayResult& result) {
     const double fps = result.seconds > 0 ? static_cast<double>(result.frames) / result.seconds : 0.0;
     std::printf("bench: %ld frames in %.3f s: %.1f frames/s; frame time min %.3f ms, median %.3f ms, max %.3f ms\n",
                 result.frames, result.seconds, fps, times.front(), times[times.size() / 2], times.back());
+    const VdpglCacheCounters& c = result.peakCaches;
+    constexpr double kMiB = 1024.0 * 1024.0;
+    std::printf("bench: caches at their fullest: VDP1 %u patterns, %u textures, %.1f MiB of %.0f MiB; "
+                "VDP2 %u cells, %u pictures, %.1f MiB\n",
+                c.vdp1Patterns, c.vdp1Textures, static_cast<double>(c.vdp1TextureBytes) / kMiB,
+                static_cast<double>(c.vdp1TextureBudget) / kMiB, c.vdp2Cells, c.vdp2Pictures,
+                static_cast<double>(c.vdp2CellBytes) / kMiB);
 }
 
 }  // namespace

@@ -81,6 +81,20 @@ bool CTracePlayer::EndFrame(PlayResult& result) {
             ++result.captures;
         }
     }
+    if (x.GetCacheCounters(&result.caches)) {
+        VdpglCacheCounters& peak = result.peakCaches;
+        if (result.caches.vdp1TextureBytes >= peak.vdp1TextureBytes) {
+            peak.vdp1Patterns = result.caches.vdp1Patterns;
+            peak.vdp1Textures = result.caches.vdp1Textures;
+            peak.vdp1TextureBytes = result.caches.vdp1TextureBytes;
+            peak.vdp1TextureBudget = result.caches.vdp1TextureBudget;
+        }
+        if (result.caches.vdp2CellBytes >= peak.vdp2CellBytes) {
+            peak.vdp2Cells = result.caches.vdp2Cells;
+            peak.vdp2Pictures = result.caches.vdp2Pictures;
+            peak.vdp2CellBytes = result.caches.vdp2CellBytes;
+        }
+    }
     const auto now = std::chrono::steady_clock::now();
     result.frameMilliseconds.push_back(std::chrono::duration<double, std::milli>(now - frameStart).count());
     frameStart = now;

@@ -27,6 +27,8 @@ struct PlayResult {
     bool complete = false;        // the trace's end record was reached
     std::vector<double> frameMilliseconds;  // wall time of each frame
     double seconds = 0.0;         // of the whole replay
+    VdpglCacheCounters caches{};  // after the last frame
+    VdpglCacheCounters peakCaches{};  // the most bytes each cache held after a frame
 };
 
 class CTracePlayer {
