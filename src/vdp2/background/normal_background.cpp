@@ -1,6 +1,7 @@
 // CNormalBackground: register state, plane textures and cell mode drawing.
 #include "vdp2/background/normal_background.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "common/consistency_check.h"
@@ -165,11 +166,14 @@ void CNormalBackground::LoadVisibleCharacters() {
         top + static_cast<int32_t>(static_cast<float>(vdp2->screenVRes) * scaleY) / vdp2->verticalScale;
     trace.Log("\tvisible area: (%d,%d), (%d,%d)\n", left, top, right, bottom);
 
+    // Past one map's width or height (2 x 2 planes) the positions repeat: a
+    // map zoomed out that far is loaded once, not once for every repeat.
+    const int32_t xEnd = std::min(right + c, left + 2 * width), yEnd = std::min(bottom + c, top + 2 * height);
     CPatternName request;
-    for (int32_t y = top; y < bottom + c; y += c) {
+    for (int32_t y = top; y < yEnd; y += c) {
         const int32_t mapY = (y < 0 ? y + 4 * height : y) & (2 * height - 1);
         const int32_t yInPlane = mapY & (height - 1);
-        for (int32_t x = left; x < right + c; x += c) {
+        for (int32_t x = left; x < xEnd; x += c) {
             const int32_t mapX = (x < 0 ? x + 4 * width : x) & (2 * width - 1);
             const int32_t xInPlane = mapX & (width - 1);
             const uint32_t plane = (mapX >= width ? 1u : 0u) + (mapY >= height ? 2u : 0u);
