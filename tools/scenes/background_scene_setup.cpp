@@ -15,9 +15,6 @@ namespace {
 
 using namespace vdp2;
 
-// VDP1 register addresses.
-constexpr uint32_t kTvmr = 0x00, kFbcr = 0x02, kPtmr = 0x04;
-
 constexpr Vdp2CellFormat kFarFormat{false, false, true, kFarCellAddress};   // 16 colours, one cell, one word
 constexpr Vdp2CellFormat kMidFormat{false, false, true, kMidCellAddress};   // the same
 constexpr Vdp2CellFormat kNearFormat{true, true, false, kNearCellAddress};  // 256 colours, 2 x 2 cells, two words
@@ -116,12 +113,7 @@ Assets SetUp(CSceneBuilder& scene) {
     for (int w = 0; w < kWingPositions; ++w)
         a.birds[w] = area.Upload(BirdPicture(w), ColorMode::Bank16, kBirdBank | kBehindSprite);
 
-    // One-cycle mode, drawing at every frame change.
-    scene.Vdp1Register(kTvmr, 0x0000);
-    scene.Vdp1Register(kFbcr, 0x0000);
-    scene.Vdp1Register(kPtmr, 0x0002);
-    // 320 x 224, non-interlaced, display on.
-    scene.Vdp2Register(TVMD, 0x8000);
+    scene.StartDisplay();
     return a;
 }
 

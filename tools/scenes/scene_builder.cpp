@@ -1,5 +1,7 @@
 #include "scene_builder.h"
 
+#include "vdp2/vdp2_registers.h"
+
 namespace vdpgl::scenes {
 
 using trace::Event;
@@ -21,6 +23,14 @@ bool CSceneBuilder::Open(const std::string& path) {
 void CSceneBuilder::Begin() {
     writer.WriteEvent(Event::InitVDPPlugin);
     writer.WriteEvent(Event::EmulationThreadStarting);
+}
+
+void CSceneBuilder::StartDisplay() {
+    constexpr uint32_t kTvmr = 0x00, kFbcr = 0x02, kPtmr = 0x04;
+    Vdp1Register(kTvmr, 0x0000);
+    Vdp1Register(kFbcr, 0x0000);
+    Vdp1Register(kPtmr, 0x0002);
+    Vdp2Register(vdp2reg::TVMD, vdp2reg::TVMD_DISP);
 }
 
 void CSceneBuilder::EndFrame() {

@@ -20,6 +20,9 @@ public:
 
     // The plug-in's start: initialisation and the emulation thread.
     void Begin();
+    // VDP1 in one-cycle mode, drawing at every frame change, and the
+    // display on at 320 x 224, non-interlaced: what every scene shows on.
+    void StartDisplay();
     // The end of one frame: V-blank in and out, then the frame boundary.
     void EndFrame();
     // The plug-in's stop and the file's end; false if anything failed.

@@ -15,8 +15,6 @@ namespace vdpgl::scenes::showcase {
 
 namespace {
 
-// VDP1 register addresses; VDP2's are the plug-in's own.
-constexpr uint32_t kTvmr = 0x00, kFbcr = 0x02, kPtmr = 0x04;
 using namespace vdp2reg;
 
 // A gouraud table entry: per channel, 16 leaves the colour as it is.
@@ -90,12 +88,7 @@ Assets SetUp(CSceneBuilder& scene) {
                       {Shade(26, 26, 26), Shade(12, 12, 12), Shade(16, 16, 16), Shade(16, 16, 16)});
     a.tileShading = area.ReserveGouraud();  // written every frame
 
-    // One-cycle mode, drawing at every frame change.
-    scene.Vdp1Register(kTvmr, 0x0000);
-    scene.Vdp1Register(kFbcr, 0x0000);
-    scene.Vdp1Register(kPtmr, 0x0002);
-    // 320 x 224, non-interlaced, display on.
-    scene.Vdp2Register(TVMD, 0x8000);
+    scene.StartDisplay();
     return a;
 }
 
