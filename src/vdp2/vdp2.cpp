@@ -283,7 +283,7 @@ void CVdp2::SwitchCram() {
 uint32_t CVdp2::GetSpriteColor(uint32_t index) const {
     const uint32_t offset = (Register(CRAOFB) >> 4) & 7;  // SPCAOS
     if (cramMode == 2) {
-        // RGB888: two words per colour, blue and green in the first, red in the second.
+        // RGB888: two words per colour, blue in the first, green and red in the second.
         return CramWideColor(cram, ((index * 2) & 0xFFFF) + offset * 512);
     }
     return CramColor(cram, colorTable, index + offset * 256);
