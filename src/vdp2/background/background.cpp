@@ -1,10 +1,13 @@
 #include "vdp2/background/background.h"
 
+#include <algorithm>
 #include <cstdarg>
 #include <cstdio>
+#include <cstring>
 
 #include "vdp2/background/background_names.h"
 #include "vdp2/vdp2.h"
+#include "vdp2/vdp2_character_pattern/pattern_name.h"
 
 namespace vdpgl {
 
@@ -123,6 +126,25 @@ void CBackground::UpdateColorOffset(uint32_t bit) {
             colorOffsetMultiply[c] = 1.0f - static_cast<float>(~v & 0xFF) / 255.0f;
         else
             colorOffsetAdd[c] = static_cast<float>(v & 0xFF) / 255.0f;
+    }
+}
+
+void CBackground::RenderPlaneAt(uint32_t planeAddress, uint32_t planeSize, uint32_t width, uint32_t* pixels) {
+    const uint32_t n = charactersPerPageLine, c = CharacterDots();
+    const uint32_t pages = planeSize == 0 ? 1 : planeSize == 1 ? 2 : 4;
+    uint32_t character[16 * 16];
+    CPatternName request;
+    for (uint32_t p = 0; p < pages; ++p) {
+        for (uint32_t r = 0; r < n; ++r) {
+            for (uint32_t k = 0; k < n; ++k) {
+                request.PrepareCell(*this, planeAddress, p * charactersPerPage + r * n + k);
+                std::fill(character, character + c * c, 0u);
+                if (request.IsPrepared()) request.DrawCharacterToBuffer(character);
+                const uint32_t x0 = ((p & 1) * n + k) * c, y0 = ((p / 2) * n + r) * c;
+                for (uint32_t row = 0; row < c; ++row)
+                    std::memcpy(pixels + (y0 + row) * width + x0, character + row * c, c * sizeof(uint32_t));
+            }
+        }
     }
 }
 

@@ -81,6 +81,15 @@ protected:
     void AppendCommonInformation(std::string& text) const;
     // Dots a character is wide: 8 or 16.
     uint32_t CharacterDots() const { return 8 * characterSize + 8; }
+    // Pattern name index of the character at character column cx, row cy of
+    // a plane (its page, then its place in the page).
+    uint32_t PatternIndex(uint32_t cx, uint32_t cy) const {
+        const uint32_t n = charactersPerPageLine;
+        return ((cx >= n ? 1 : 0) + (cy >= n ? 2 : 0)) * charactersPerPage + (cy % n) * n + cx % n;
+    }
+    // The whole plane whose pattern names start at planeAddress, for the
+    // viewer: 1, 2 or 4 pages by plane size code, rows of `width` dots.
+    void RenderPlaneAt(uint32_t planeAddress, uint32_t planeSize, uint32_t width, uint32_t* pixels);
 
     static CVdp2* vdp2;
     static COpenGl* renderer;

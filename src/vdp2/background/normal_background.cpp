@@ -132,12 +132,6 @@ void CNormalBackground::GetSize(uint32_t& width, uint32_t& height) const {
     height = bitmapEnabled ? bitmapHeight : planeHeight;
 }
 
-uint32_t CNormalBackground::PatternIndex(uint32_t cx, uint32_t cy) const {
-    const uint32_t n = charactersPerPageLine, pageSize = charactersPerPage;
-    const uint32_t page = (cx >= n ? 1 : 0) + (cy >= n ? 2 : 0);
-    return page * pageSize + (cy % n) * n + cx % n;
-}
-
 void CNormalBackground::Draw() {
     if (!IsShown()) return;
     if (bitmapEnabled)
@@ -218,22 +212,7 @@ void CNormalBackground::DrawPlanePieces() {
 void CNormalBackground::RenderPlane(uint32_t plane, uint32_t* pixels) {
     // Only planes A-D belong to a scroll plane; others leave the buffer.
     if (plane >= kPlanes || !pixels || bitmapEnabled) return;
-    const uint32_t n = 64 / (characterSize + 1), c = CharacterDots();
-    const uint32_t pages = planeSize == 0 ? 1 : planeSize == 1 ? 2 : 4;
-    uint32_t character[16 * 16];
-    CPatternName request;
-    for (uint32_t p = 0; p < pages; ++p) {
-        for (uint32_t r = 0; r < n; ++r) {
-            for (uint32_t k = 0; k < n; ++k) {
-                request.DrawCell(*this, plane, planeAddresses[plane], p * charactersPerPage + r * n + k, 0, 0, false);
-                std::fill(character, character + c * c, 0u);
-                if (request.IsPrepared()) request.DrawCharacterToBuffer(character);
-                const uint32_t x0 = ((p & 1) * n + k) * c, y0 = ((p / 2) * n + r) * c;
-                for (uint32_t row = 0; row < c; ++row)
-                    std::memcpy(pixels + (y0 + row) * planeWidth + x0, character + row * c, c * sizeof(uint32_t));
-            }
-        }
-    }
+    RenderPlaneAt(planeAddresses[plane], planeSize, planeWidth, pixels);
 }
 
 void CNormalBackground::GetInformation(std::string& text) const {

@@ -44,9 +44,6 @@ public:
     CellRecord& Record(uint32_t plane, uint32_t column, uint32_t row) {
         return cellRecords[(plane * kRecordsPerSide + column) * kRecordsPerSide + row];
     }
-    // Pattern name index of the character at character column cx, row cy of
-    // a plane (its page, then its place in the page).
-    uint32_t PatternIndex(uint32_t cx, uint32_t cy) const;
 
     // A VRAM write that changed a value, while in bitmap mode.
     void OnBitmapVramWrite(uint32_t address) override { InvalidateBitmapRange(address); }
