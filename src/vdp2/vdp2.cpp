@@ -8,6 +8,7 @@
 #include "render/opengl/opengl.h"
 #include "vdp2/cram_colors.h"
 #include "vdp2/background/normal_background.h"
+#include "vdp2/background/rotation_background.h"
 
 namespace vdpgl {
 
@@ -28,8 +29,7 @@ CVdp2::CVdp2(COpenGl& r) : renderer(&r), cram(cramBuffers[0]) {
     FillRgb555Table(colorTable);
     CBackground::InitializeBackgroundStatics(this, renderer);
     for (uint32_t bg = kNbg0; bg <= kNbg3; ++bg) backgrounds[bg] = std::make_unique<CNormalBackground>(bg);
-    // The rotation planes keep the common fields only; they draw nothing yet.
-    for (uint32_t bg = kRbg0; bg <= kRbg1; ++bg) backgrounds[bg] = std::make_unique<CBackground>(bg);
+    for (uint32_t bg = kRbg0; bg <= kRbg1; ++bg) backgrounds[bg] = std::make_unique<CRotationBackground>(bg);
     CVdp2CharacterPattern::InitializeModule(this, renderer);
     frameCounter = 0;
     ResetVdp2();

@@ -1,0 +1,291 @@
+// CRotationBackground: registers, the picture computed dot by dot, and the
+// viewer's view.
+#include "vdp2/background/rotation_background.h"
+
+#include <cmath>
+
+#include "render/opengl/opengl.h"
+#include "vdp2/background/plane_addresses.h"
+#include "vdp2/background/rotation_parameters.h"
+#include "vdp2/background/rotation_window.h"
+#include "vdp2/vdp2.h"
+#include "vdp2/vdp2_character_pattern/pattern_name.h"
+
+namespace vdpgl {
+
+using namespace vdp2reg;
+
+namespace {
+
+constexpr const char* kRotationParameterModeNames[4] = {
+    "parameter A", "parameter B", "parameter A and B switched via coefficient data",
+    "parameter A and B switched via rotation parameter window"};
+constexpr const char* kPlaneNames[16] = {"plane A", "plane B", "plane C", "plane D", "plane E", "plane F",
+                                         "plane G", "plane H", "plane I", "plane J", "plane K", "plane L",
+                                         "plane M", "plane N", "plane O", "plane P"};
+
+// Truncation toward zero; a value no 32-bit integer holds (a hostile table
+// can make one) reads as 0 instead of being undefined.
+int32_t Truncate(float v) {
+    return (v > -2147483520.0f && v < 2147483520.0f) ? static_cast<int32_t>(v) : 0;
+}
+
+}  // namespace
+
+// One parameter's set, coefficient use and the constants of the frame and
+// of the current row.
+struct CRotationBackground::Parameter {
+    RotationParameterSet set{};
+    CoefficientControl control{0, 0};
+    float dX = 0, dY = 0, xp = 0, yp = 0;  // per frame
+    float xsp = 0, ysp = 0;                // per row
+    int32_t lineOffset = 0;                // per row: coefficient bytes into the table
+    int32_t width = 512, height = 512;
+    const uint32_t* planes = nullptr;
+
+    void StartRow(int32_t y) {
+        const RotationParameterSet& s = set;
+        const float u = static_cast<float>(y) * s.deltaXst + s.xst - static_cast<float>(s.px);
+        const float v = static_cast<float>(y) * s.deltaYst + s.yst - static_cast<float>(s.py);
+        const float w = s.zst - static_cast<float>(s.pz);
+        xsp = s.a * u + s.b * v + s.c * w;
+        ysp = s.d * u + s.e * v + s.f * w;
+        lineOffset = Truncate(static_cast<float>(control.bytes) * static_cast<float>(y) * s.deltaKast);
+    }
+    // The coefficient of dot x, with the row's line offset given.
+    bool Coefficient(const CConsoleVram& vram, int32_t x, int32_t offset, float& value) const {
+        const uint32_t align = control.bytes == 2 ? 0x7FFFE : 0x7FFFC;
+        const int32_t along = Truncate(static_cast<float>(control.bytes) * static_cast<float>(x) * set.deltaKax);
+        return ReadCoefficient(vram, (set.coefficientAddress + static_cast<uint32_t>(along + offset)) & align,
+                               control.bytes, value);
+    }
+    void Apply(float value, float& kx, float& ky) const {
+        if (!control.constantKx) kx = value;
+        if (!control.constantKy) ky = value;
+    }
+};
+
+CRotationBackground::CRotationBackground(uint32_t number)
+    : CBackground(number), picture(static_cast<size_t>(kPictureSize) * kPictureSize) {}
+
+void CRotationBackground::UpdateFromRegisters() {
+    CBackground::UpdateFromRegisters();
+    mapOffsets[0] = Field(MPOFR, 0, 2);
+    mapOffsets[1] = Field(MPOFR, 4, 6);
+    // RBG1 reads none of the rotation registers: parameter A, a table at 0
+    // and every plane at 0.
+    uint32_t maps[2][kPlanes] = {};
+    if (bgNumber == kRbg0) {
+        rotationParameterMode = Field(RPMD, 0, 1);
+        planeSizes[0] = Field(PLSZ, 8, 9);
+        planeSizes[1] = Field(PLSZ, 12, 13);
+        for (uint32_t p = 0; p < 2; ++p) {
+            const uint32_t first = p ? MPABRB : MPABRA;
+            for (uint32_t k = 0; k < kPlanes / 2; ++k) {
+                maps[p][2 * k] = Field(first + 2 * k, 0, 5);
+                maps[p][2 * k + 1] = Field(first + 2 * k, 8, 13);
+            }
+        }
+        parameterTableAddresses[0] =
+            (Field(RPTAU, 0, 2) << 17) | (vdp2->Register(RPTAL) & 0xFFC0u) << 1 | (vdp2->Register(RPTAL) & 0x3Eu);
+        parameterTableAddresses[1] = parameterTableAddresses[0] + 0x80;
+    } else {
+        rotationParameterMode = 0;
+        planeSizes[0] = planeSizes[1] = 0;
+        parameterTableAddresses[0] = parameterTableAddresses[1] = 0;
+    }
+    if (bitmapEnabled) return;
+    for (uint32_t p = 0; p < 2; ++p) {
+        if (planeSizes[p] == 2) planeSizes[p] = 3;
+        planeWidths[p] = planeSizes[p] == 0 ? 512 : 1024;
+        planeHeights[p] = planeSizes[p] == 3 ? 1024 : 512;
+        ComputePlaneAddresses(maps[p], static_cast<int>(kPlanes),
+                              {characterSize, patternNameDataSize, planeSizes[p], mapOffsets[p]});
+        for (uint32_t i = 0; i < kPlanes; ++i) planeAddresses[p][i] = maps[p][i];
+    }
+}
+
+void CRotationBackground::GetSize(uint32_t& width, uint32_t& height) const {
+    width = bitmapEnabled ? 0 : planeWidths[0];
+    height = bitmapEnabled ? 0 : planeHeights[0];
+}
+
+void CRotationBackground::RenderPlane(uint32_t plane, uint32_t* pixels) {
+    if (plane >= kPlanes || !pixels || bitmapEnabled) return;
+    RenderPlaneAt(planeAddresses[0][plane], planeSizes[0], planeWidths[0], pixels);
+}
+
+void CRotationBackground::Draw() {
+    // The colour offset and alpha do not apply: only transparent dots let
+    // lower layers through. There is no bitmap mode here.
+    if (!IsShown() || bitmapEnabled) return;
+    DrawRotationCellMode();
+}
+
+void CRotationBackground::DrawRotationCellMode() {
+    trace.Log("DrawCellMode()\n");
+    trace.Log("WCTLA: 0x%X\n", vdp2->Register(WCTLA));
+    trace.Log("WCTLB: 0x%X\n", vdp2->Register(WCTLB));
+    trace.Log("WCTLC: 0x%X\n", vdp2->Register(WCTLC));
+    trace.Log("WCTLD: 0x%X\n", vdp2->Register(WCTLD));
+    trace.Log("SPCTL: 0x%X\n", vdp2->Register(SPCTL));
+    switch (rotationParameterMode) {
+    case 0:
+    case 1: DrawCellModeSingleParameter(); break;
+    case 2: DrawCellModeParameterSCD(); break;
+    case 3: DrawCellModeParameterSRP(); break;
+    default: break;
+    }
+}
+
+void CRotationBackground::DrawCellModeSingleParameter() {
+    trace.Log("DrawCellModeSingleParameter()\n");
+    DrawPicture(rotationParameterMode, nullptr);
+}
+
+void CRotationBackground::DrawCellModeParameterSCD() {
+    trace.Log("DrawCellModeParameterSCD()\n");
+    DrawPicture(2, nullptr);
+}
+
+void CRotationBackground::DrawCellModeParameterSRP() {
+    trace.Log("DrawCellModeParameterSRP()\n");
+    RotationParameterWindow window;
+    if (!window.Choose(*vdp2, trace)) {
+        // No window: parameter A alone, until the registers are read again.
+        rotationParameterMode = 0;
+        DrawCellModeSingleParameter();
+        return;
+    }
+    DrawPicture(3, &window);
+}
+
+void CRotationBackground::PrepareParameter(uint32_t p, Parameter& out) const {
+    ReadRotationParameterTable(vdp2->vram, parameterTableAddresses[p], p, vdp2->Register(KTCTL),
+                               vdp2->Register(KTAOF), out.set);
+    out.control = CoefficientControl(vdp2->Register(KTCTL), p);
+    const RotationParameterSet& s = out.set;
+    out.dX = s.a * s.deltaX + s.b * s.deltaY;
+    out.dY = s.d * s.deltaX + s.e * s.deltaY;
+    const float px = static_cast<float>(s.px - s.cx), py = static_cast<float>(s.py - s.cy),
+                pz = static_cast<float>(s.pz - s.cz);
+    out.xp = s.a * px + s.b * py + s.c * pz + static_cast<float>(s.cx) + s.mx;
+    out.yp = s.d * px + s.e * py + s.f * pz + static_cast<float>(s.cy) + s.my;
+    out.width = static_cast<int32_t>(planeWidths[p]);
+    out.height = static_cast<int32_t>(planeHeights[p]);
+    out.planes = planeAddresses[p];
+}
+
+void CRotationBackground::DrawPicture(uint32_t mode, const RotationParameterWindow* window) {
+    const CVdp2& v = *vdp2;
+    const CConsoleVram& vram = v.vram;
+    Parameter parameters[2];
+    const bool both = mode >= 2;
+    const uint32_t single = both ? 0 : mode;
+    PrepareParameter(single, parameters[single]);
+    if (both) PrepareParameter(1, parameters[1]);
+
+    const int32_t lineRatio = (v.verticalDoubled || v.interlaced) ? 2 : 1;
+    const int32_t c = static_cast<int32_t>(CharacterDots());
+    const uint32_t nameBytes = patternNameDataSize ? 2 : 4;
+    // In single mode kx and ky keep a coefficient's value for the dots after it.
+    float kx = parameters[single].set.kx, ky = parameters[single].set.ky;
+    CPatternName request;
+    uint32_t lastEntry = ~0u;  // the map entry `request` holds
+
+    for (int32_t i = 0; i < kPictureSize; ++i) {
+        const int32_t screenY = i * v.screenVRes / kPictureSize, y = screenY / lineRatio;
+        parameters[single].StartRow(y);
+        if (both) parameters[1].StartRow(y);
+        uint32_t* row = picture.data() + static_cast<size_t>(kPictureSize - 1 - i) * kPictureSize;
+        for (int32_t j = 0; j < kPictureSize; ++j) {
+            const int32_t screenX = j * v.screenHRes / kPictureSize, x = screenX / lineRatio;
+            uint32_t q = single;
+            float value = 0.0f;
+            bool transparent = false;
+            if (mode < 2) {
+                const Parameter& p = parameters[q];
+                if (p.control.enabled) {
+                    if (p.Coefficient(vram, x, p.lineOffset, value))
+                        p.Apply(value, kx, ky);
+                    else
+                        transparent = true;
+                }
+            } else if (mode == 2) {
+                // Parameter A unless A's coefficient says B; B's coefficient
+                // is read with A's line offset.
+                const Parameter &a = parameters[0], &b = parameters[1];
+                kx = a.set.kx, ky = a.set.ky;
+                if (a.control.enabled) {
+                    if (a.Coefficient(vram, x, a.lineOffset, value)) {
+                        a.Apply(value, kx, ky);
+                    } else {
+                        q = 1;
+                        kx = b.set.kx, ky = b.set.ky;
+                    }
+                }
+                if (q == 1 && b.control.enabled) {
+                    if (b.Coefficient(vram, x, a.lineOffset, value))
+                        b.Apply(value, kx, ky);
+                    else
+                        transparent = true;
+                }
+            } else {
+                // The window tests the screen position before the line ratio.
+                q = window->Inside(vram, screenX, screenY) ? 0 : 1;
+                const Parameter& p = parameters[q];
+                kx = p.set.kx, ky = p.set.ky;
+                if (p.control.enabled) {
+                    if (p.Coefficient(vram, x, p.lineOffset, value))
+                        p.Apply(value, kx, ky);
+                    else
+                        transparent = true;
+                }
+            }
+            if (transparent) {
+                row[j] = 0;
+                continue;
+            }
+
+            const Parameter& p = parameters[q];
+            const float fx = static_cast<float>(x);
+            const int32_t mapX = Truncate((fx * p.dX + p.xsp) * kx + p.xp) & (4 * p.width - 1);
+            const int32_t mapY = Truncate((fx * p.dY + p.ysp) * ky + p.yp) & (4 * p.height - 1);
+            const uint32_t plane = static_cast<uint32_t>(4 * (mapY / p.height) + mapX / p.width);
+            const int32_t xInPlane = mapX & (p.width - 1), yInPlane = mapY & (p.height - 1);
+            const uint32_t index = PatternIndex(static_cast<uint32_t>(xInPlane / c), static_cast<uint32_t>(yInPlane / c));
+            // Dots in one character share the request: the name is read and
+            // the character looked up only when the character changes.
+            const uint32_t entry = p.planes[plane] + index * nameBytes;
+            if (entry != lastEntry) {
+                request.PrepareCell(*this, p.planes[plane], index);
+                lastEntry = entry;
+            }
+            row[j] = request.IsPrepared() ? request.GetCellPixel(xInPlane & (c - 1), yInPlane & (c - 1)) : 0u;
+        }
+    }
+    renderer->DrawRotationBackground(static_cast<int>(bgNumber), picture.data(), kPictureSize, kPictureSize);
+}
+
+void CRotationBackground::GetInformation(std::string& text) const {
+    if (bitmapEnabled) {
+        text += "bitmap mode\n";
+    } else {
+        const int dots = static_cast<int>(CharacterDots());
+        text += "cell mode\n";
+        AppendFormat(text, "character size: %d*%d pixels\n", dots, dots);
+        AppendFormat(text, "rotation parameter mode: %s\n", kRotationParameterModeNames[rotationParameterMode & 3]);
+        AppendFormat(text, "table address: 0x%X\n", parameterTableAddresses[0]);
+        const uint32_t parameters = rotationParameterMode >= 2 ? 2 : 1;
+        for (uint32_t p = 0; p < parameters; ++p) {
+            AppendFormat(text, "plane size parameter %c: %d*%d pixels\n", p ? 'B' : 'A',
+                         static_cast<int>(planeWidths[p]), static_cast<int>(planeHeights[p]));
+            for (uint32_t k = 0; k < kPlanes / 2; ++k)
+                AppendFormat(text, "%s: 0x%X, %s: 0x%X\n", kPlaneNames[2 * k], planeAddresses[p][2 * k],
+                             kPlaneNames[2 * k + 1], planeAddresses[p][2 * k + 1]);
+        }
+    }
+    AppendCommonInformation(text);
+}
+
+}  // namespace vdpgl

@@ -1,0 +1,133 @@
+// RBG0's rotation parameters, coefficient tables and the rotation parameter window as read from VRAM and registers.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "vdp2/background/rotation_background.h"
+#include "vdp2/background/rotation_parameters.h"
+#include "vdp2/background/rotation_window.h"
+#include "vdp_test.h"
+
+namespace vdpgl {
+namespace {
+
+using namespace vdp2reg;
+using Vdp2RotationTest = test::VdpTest;
+
+TEST(RotationParameterTest, SignRuleAndFixedPointFields) {
+    struct Case {
+        uint32_t v;
+        int bits;
+        int32_t value;
+    };
+    const Case cases[] = {{0x3FFF, 14, 0}, {0x2000, 14, -8191}, {0x1FFF, 14, 8191}, {0x7FFFFF, 23, 0},
+                          {0x400000, 23, -4194303}, {0xFFFFFFFF, 13, 0}, {0x0001, 14, 1}};
+    for (const Case& c : cases) EXPECT_EQ(SignedField(c.v, c.bits), c.value) << std::hex << c.v << " " << c.bits;
+}
+
+TEST_F(Vdp2RotationTest, ParameterTableCoefficientPlacementAndValues) {
+    constexpr uint32_t kTable = 0x20100;
+    const auto put = [&](uint32_t offset, uint32_t v) { vdp2->WriteVramLong(kTable + offset, v); };
+    put(0x00, 1023u << 6);             // Xst 1.0
+    put(0x0C, 0x1000u << 6);           // delta Xst: the most negative 13-bit value, -4095
+    put(0x1C, 1023u << 6);             // A 1.0
+    put(0x20, 0x3FFFu << 6);           // B: all ones reads 0
+    vdp2->WriteVramWord(kTable + 0x34, 0x3FFF);  // Px: 0
+    vdp2->WriteVramWord(kTable + 0x36, 0x2000);  // Py: -8191
+    put(0x4C, 0x010000);                         // kx: 65536 / 65535
+    put(0x50, 0x80FFFF00);                       // ky: bits 23-0 only, -256 + 1
+    put(0x54, 0x0012FFC0);                       // KAst index 0x12
+    RotationParameterSet set{};
+    ReadRotationParameterTable(vdp2->vram, kTable, 0, 0x0002, 0x0003, set);  // A: one-word coefficients, KTAOF 3
+    EXPECT_FLOAT_EQ(set.xst, 1.0f);
+    EXPECT_EQ(set.deltaXst, static_cast<float>(-4095 / 1023.0));
+    EXPECT_FLOAT_EQ(set.a, 1.0f);
+    EXPECT_FLOAT_EQ(set.b, 0.0f);
+    EXPECT_EQ(set.px, 0);
+    EXPECT_EQ(set.py, -8191);
+    EXPECT_EQ(set.kx, static_cast<float>(65536 / 65535.0));
+    EXPECT_EQ(set.ky, static_cast<float>((-256 + 1) / 65535.0));
+    EXPECT_EQ(set.kast, 0x12);
+    EXPECT_EQ(set.coefficientAddress, (3u << 17) + 0x12 * 2);
+    ReadRotationParameterTable(vdp2->vram, kTable, 1, 0x0000, 0x0700, set);  // B: longs, only KTAOF bits 8-9 count
+    EXPECT_EQ(set.coefficientAddress, (3u << 18) + 0x12 * 4);
+
+    struct Coefficient {
+        uint32_t address, bytes, data;
+        bool opaque;
+        float value;
+    };
+    const Coefficient coefficients[] = {
+        {0x40000, 2, 0x8000, false, 0}, {0x40002, 2, 0x0400, true, static_cast<float>(1024 / 1023.0)},
+        {0x40004, 2, 0x7FFF, true, 0.0f}, {0x40008, 4, 0x80010000, false, 0},
+        {0x4000C, 4, 0x7F00FFFF, true, static_cast<float>(65535 / 65535.0)},  // bits 30-24 unused
+    };
+    for (const Coefficient& c : coefficients) {
+        if (c.bytes == 2)
+            vdp2->WriteVramWord(c.address, static_cast<uint16_t>(c.data));
+        else
+            vdp2->WriteVramLong(c.address, c.data);
+        float value = -1.0f;
+        EXPECT_EQ(ReadCoefficient(vdp2->vram, c.address, c.bytes, value), c.opaque) << std::hex << c.data;
+        if (c.opaque) {
+            EXPECT_EQ(value, c.value) << std::hex << c.data;
+        }
+    }
+    const CoefficientControl a(0x0D07, 0), b(0x0D07, 1);  // A: on, words, mode 1; B: on, longs, mode 3
+    EXPECT_TRUE(a.enabled && a.bytes == 2 && !a.constantKx && a.constantKy);
+    EXPECT_TRUE(b.enabled && b.bytes == 4 && b.constantKx && b.constantKy);
+}
+
+TEST_F(Vdp2RotationTest, TableAddressesAndWhatRbg1Reads) {
+    for (auto [reg, value] : {std::pair<uint32_t, uint16_t>{RPTAU, 0x0001}, {RPTAL, 0x00BE}, {RPMD, 0x0003},
+                              {PLSZ, 0x3100}, {MPABRA, 0x0201}, {BGON, 0x0030}})
+        vdp2->WriteRegisterWord(reg, value);
+    vdp2->OnVblankOut();
+    const auto& rbg0 = static_cast<const CRotationBackground&>(*vdp2->Background(kRbg0));
+    const auto& rbg1 = static_cast<const CRotationBackground&>(*vdp2->Background(kRbg1));
+    EXPECT_EQ(rbg0.parameterTableAddresses[0], 0x20100u | 0x3Eu) << "RPTAL's bits 5-1 are ORed in unshifted";
+    EXPECT_EQ(rbg0.parameterTableAddresses[1], 0x20180u + 0x3Eu);
+    EXPECT_EQ(rbg0.rotationParameterMode, 3u);
+    EXPECT_EQ(rbg0.planeWidths[0] + rbg0.planeHeights[0] + rbg0.planeWidths[1], 1024u + 512 + 1024);
+    EXPECT_EQ(rbg0.planeAddresses[0][0], 2 * 0x4000u) << "plane A: map 1 of planes two pages of 0x4000 wide";
+    EXPECT_EQ(rbg1.rotationParameterMode + rbg1.parameterTableAddresses[0] + rbg1.planeAddresses[0][1], 0u);
+    std::string text;
+    rbg0.GetInformation(text);
+    EXPECT_NE(text.find("rotation parameter mode: parameter A and B switched via rotation parameter window\n"
+                        "table address: 0x2013E\nplane size parameter A: 1024*512 pixels\n"
+                        "plane A: 0x8000, plane B: 0x8000\nplane C: 0x0, plane D: 0x0\n"),
+              std::string::npos)
+        << text;
+    EXPECT_NE(text.find("plane size parameter B: 1024*1024 pixels\n"), std::string::npos) << text;
+}
+
+TEST_F(Vdp2RotationTest, WindowChoiceAndTests) {
+    const auto window = [&](std::initializer_list<std::pair<uint32_t, uint16_t>> writes) {
+        for (auto [reg, value] : writes) vdp2->WriteRegisterWord(reg, value);
+        RotationParameterWindow w;
+        EXPECT_TRUE(w.Choose(*vdp2, CModuleLog()));
+        return w;
+    };
+    // Both enabled: window 0 wins; bounds inclusive.
+    RotationParameterWindow w = window({{WCTLD, 0x000A}, {WPSX0, 10}, {WPSX0 + 4, 20}, {WPSX0 + 2, 5}, {WPSX0 + 6, 8},
+                                        {WPSX0 + 8, 100}, {WPSX0 + 12, 200}});
+    EXPECT_TRUE(w.Inside(vdp2->vram, 10, 5) && w.Inside(vdp2->vram, 20, 8));
+    EXPECT_FALSE(w.Inside(vdp2->vram, 21, 6) || w.Inside(vdp2->vram, 9, 6) || w.Inside(vdp2->vram, 15, 9));
+    // Window 1 with start past its end: nothing inside.
+    w = window({{WCTLD, 0x0008}, {WPSX0 + 8, 30}, {WPSX0 + 12, 20}, {WPSX0 + 10, 0}, {WPSX0 + 14, 100}});
+    EXPECT_FALSE(w.Inside(vdp2->vram, 25, 50));
+    // Line window 0: table at 0x20200, y bounds still from WPSY0/WPEY0; 0xFFFF ends a line with no window.
+    EXPECT_EQ(LineWindowTableAddress(0x8001, 0x0100), 0x20200u);
+    vdp2->WriteVramWord(0x2020C, 40), vdp2->WriteVramWord(0x2020E, 50);  // line 3
+    vdp2->WriteVramWord(0x20210, 0), vdp2->WriteVramWord(0x20212, 0xFFFF);  // line 4
+    w = window({{WCTLD, 0x0002}, {LWTA0U, 0x8001}, {LWTA0U + 2, 0x0100}, {WPSX0 + 2, 0}, {WPSX0 + 6, 3}});
+    EXPECT_TRUE(w.Inside(vdp2->vram, 40, 3) && w.Inside(vdp2->vram, 50, 3));
+    EXPECT_FALSE(w.Inside(vdp2->vram, 51, 3) || w.Inside(vdp2->vram, 0, 4));
+    vdp2->WriteRegisterWord(WPSX0 + 6, 4);
+    EXPECT_FALSE(window({}).Inside(vdp2->vram, 10, 4)) << "0xFFFF: the whole line outside";
+    vdp2->WriteRegisterWord(WCTLD, 0);
+    EXPECT_FALSE(RotationParameterWindow().Choose(*vdp2, CModuleLog()));
+}
+
+}  // namespace
+}  // namespace vdpgl
