@@ -184,4 +184,72 @@ TEST_F(HostVdp2FrameTest, ZoomedPlaneOfTwoByTwoCharactersFromFourMapsWithTwoWord
     ExpectFrame(expected, 1);
 }
 
+// RBG0 through its rotation parameter tables: the picture is sampled on a 256 x 256 grid of the screen and stretched
+// over it, so a screen pixel shows the sample whose cell its centre falls in (pixels whose centre lies on a sample
+// border are left out of the comparison, where the GL may take either).
+TEST_F(HostVdp2FrameTest, RotationPlaneThroughIdentityTablesCoefficientsAndTheParameterWindow) {
+    static constexpr uint32_t kMaps[2] = {0x20000, 0x22000}, kCells = 0x1000, kTables = 0x30000, kCoefficients = 0x40000;
+    constexpr uint32_t kOne = 1023u << 6;  // 1.0 in the tables' long fixed-point fields
+    for (uint32_t i = 0; i < 8 * 32; ++i) Byte(kCells + i, static_cast<uint8_t>((i * 53 + i / 32 * 7) % 256));
+    for (uint32_t m = 0; m < 2; ++m)
+        for (uint32_t cy = 0; cy < 64; ++cy)
+            for (uint32_t cx = 0; cx < 64; ++cx)
+                Word(kMaps[m] + (cy * 64 + cx) * 2,
+                     static_cast<uint16_t>((cx + cy + m) % 2 ? 0x3000 : 0x6000 | (kCells / 32 + (cx * 5 + cy + m * 3) % 8)));
+    for (uint32_t t = 0; t < 2; ++t) {  // tables A and B: identity, B shifted right by 64 map dots
+        const uint32_t table = kTables + t * 0x80;
+        for (uint32_t offset : {0x10u, 0x14u, 0x1Cu, 0x2Cu}) Long(table + offset, kOne);  // delta Yst, delta X, A, E
+        Long(table + 0x4C, 0xFFFF), Long(table + 0x50, 0xFFFF);                           // kx = ky = 1.0
+        Long(table + 0x44, t ? 64 * kOne : 0);                                             // Mx
+        Long(table + 0x58, kOne);  // delta KAst: one coefficient a line
+    }
+    for (uint32_t y = 0; y < 240; ++y) Word(kCoefficients + 2 * y, y < 100 ? 0x8000 : 0x03FF);  // transparent, 1.0
+    // NBG0 below: a 256-colour 512 x 256 bitmap at 0x60000 of dots 1-255.
+    for (uint32_t i = 0; i < 512 * 256; i += 2) Word(0x60000 + i, static_cast<uint16_t>(((i % 255) + 1) << 8 | (i % 251 + 1)));
+
+    Reg(BGON, 0x0011);                                  // NBG0 and RBG0
+    Reg(CHCTLA, 0x0012), Reg(MPOFN, 0x0003), Reg(ZMXIN0, 1), Reg(ZMXIN0 + 4, 1);  // the bitmap
+    Reg(0x02A, 0x0000);                                 // CHCTLB: RBG0 16 colours, 1 x 1 cells
+    Reg(0x038, 0x8000);                                 // PNCR: one-word names
+    for (uint32_t k = 0; k < 8; ++k) Reg(0x050 + 2 * k, 16 << 8 | 16), Reg(0x060 + 2 * k, 17 << 8 | 17);  // A, B maps
+    Reg(0x0BC, 0x0001), Reg(0x0BE, 0x8000);             // RPTAU, RPTAL: table A at 0x30000
+    Reg(0x0FC, 0x0002), Reg(PRINA, 0x0001);             // RBG0 over NBG0
+    const Layer bitmap = [this](int x, int y) {
+        const uint8_t d = vram[0x60000 + static_cast<uint32_t>((y & 255) * 512 + (x & 511))];
+        return d ? Rgb555(cram[d]) : kClear;
+    };
+    // The map seen through table t at map position (x, y).
+    const auto map = [this](uint32_t t, int x, int y) {
+        x = (x + (t ? 64 : 0)) & 511, y &= 511;
+        const uint16_t pn = WordAt(kMaps[t] + static_cast<uint32_t>((y / 8 * 64 + x / 8) * 2));
+        return CellDot((pn & 0x3FFu) * 32, x % 8, y % 8, pn >> 12);
+    };
+    const auto sampled = [](const std::function<Rgba(int, int)>& at) {  // what the stretched picture shows
+        return [at](int px, int py) {
+            const int j = (2 * px + 1) * 256 / (2 * kWidth), i = (2 * py + 1) * 256 / (2 * kHeight);
+            return at(j * kWidth / 256, i * kHeight / 256);
+        };
+    };
+    const auto expect = [&](const Layer& rotation) {
+        Frame();
+        const FramePicture expected = Compose({bitmap, rotation});
+        int wrong = 0, compared = 0;
+        for (int py = 0; py < kHeight; ++py)
+            for (int px = 0; px < kWidth; ++px) {
+                if ((2 * px + 1) * 256 % (2 * kWidth) == 0 || (2 * py + 1) * 256 % (2 * kHeight) == 0) continue;
+                ++compared;
+                const Rgba e = expected.px[static_cast<size_t>(py * kWidth + px)], s = shown.At(px, py);
+                if (!(e == s) && ++wrong <= 5) ADD_FAILURE() << "at (" << px << "," << py << "): " << s << ", expected " << e;
+            }
+        EXPECT_EQ(wrong, 0) << "of " << compared << " pixels compared";
+    };
+
+    expect(sampled([&](int x, int y) { return map(0, x, y); }));  // the plain map
+    Reg(0x0B4, 0x0003), Reg(0x0B6, 0x0002);  // KTCTL: A's one-word coefficients; KTAOF: at 2 x 0x20000
+    expect(sampled([&](int x, int y) { return y < 100 ? kClear : map(0, x, y); }));
+    Reg(0x0B4, 0x0000), Reg(0x0B0, 0x0003);  // RPMD: parameter window, window 0 a rectangle
+    Reg(0x0D6, 0x0002), Reg(0x0C0, 100), Reg(0x0C2, 50), Reg(0x0C4, 199), Reg(0x0C6, 149);
+    expect(sampled([&](int x, int y) { return map(x >= 100 && x <= 199 && y >= 50 && y <= 149 ? 0 : 1, x, y); }));
+}
+
 }  // namespace
