@@ -40,7 +40,11 @@ struct CRotationBackground::Parameter {
     float dX = 0, dY = 0, xp = 0, yp = 0;  // per frame
     float xsp = 0, ysp = 0;                // per row
     int32_t lineOffset = 0;                // per row: coefficient bytes into the table
+    uint32_t lastAddress = ~0u;            // the coefficient last read, and what it said
+    bool lastOpaque = false;
+    float lastValue = 0.0f;
     int32_t width = 512, height = 512;
+    int32_t widthShift = 9, heightShift = 9;
     const uint32_t* planes = nullptr;
 
     void StartRow(int32_t y) {
@@ -52,12 +56,18 @@ struct CRotationBackground::Parameter {
         ysp = s.d * u + s.e * v + s.f * w;
         lineOffset = Truncate(static_cast<float>(control.bytes) * static_cast<float>(y) * s.deltaKast);
     }
-    // The coefficient of dot x, with the row's line offset given.
-    bool Coefficient(const CConsoleVram& vram, int32_t x, int32_t offset, float& value) const {
+    // The coefficient of dot x, with the row's line offset given. Dots that
+    // share a coefficient (a table of one a line) convert it once.
+    bool Coefficient(const CConsoleVram& vram, int32_t x, int32_t offset, float& value) {
         const uint32_t align = control.bytes == 2 ? 0x7FFFE : 0x7FFFC;
         const int32_t along = Truncate(static_cast<float>(control.bytes) * static_cast<float>(x) * set.deltaKax);
-        return ReadCoefficient(vram, (set.coefficientAddress + static_cast<uint32_t>(along + offset)) & align,
-                               control.bytes, value);
+        const uint32_t address = (set.coefficientAddress + static_cast<uint32_t>(along + offset)) & align;
+        if (address != lastAddress) {
+            lastAddress = address;
+            lastOpaque = ReadCoefficient(vram, address, control.bytes, lastValue);
+        }
+        value = lastValue;
+        return lastOpaque;
     }
     void Apply(float value, float& kx, float& ky) const {
         if (!control.constantKx) kx = value;
@@ -173,6 +183,8 @@ void CRotationBackground::PrepareParameter(uint32_t p, Parameter& out) const {
     out.yp = s.d * px + s.e * py + s.f * pz + static_cast<float>(s.cy) + s.my;
     out.width = static_cast<int32_t>(planeWidths[p]);
     out.height = static_cast<int32_t>(planeHeights[p]);
+    out.widthShift = out.width == 1024 ? 10 : 9;
+    out.heightShift = out.height == 1024 ? 10 : 9;
     out.planes = planeAddresses[p];
 }
 
@@ -190,8 +202,10 @@ void CRotationBackground::DrawPicture(uint32_t mode, const RotationParameterWind
     const uint32_t nameBytes = patternNameDataSize ? 2 : 4;
     // In single mode kx and ky keep a coefficient's value for the dots after it.
     float kx = parameters[single].set.kx, ky = parameters[single].set.ky;
+    const int32_t charShift = c == 16 ? 4 : 3;
     CPatternName request;
     uint32_t lastEntry = ~0u;  // the map entry `request` holds
+    uint32_t lastKey = ~0u;    // and the character position and parameter it was found for
 
     for (int32_t i = 0; i < kPictureSize; ++i) {
         const int32_t screenY = i * v.screenVRes / kPictureSize, y = screenY / lineRatio;
@@ -204,7 +218,7 @@ void CRotationBackground::DrawPicture(uint32_t mode, const RotationParameterWind
             float value = 0.0f;
             bool transparent = false;
             if (mode < 2) {
-                const Parameter& p = parameters[q];
+                Parameter& p = parameters[q];
                 if (p.control.enabled) {
                     if (p.Coefficient(vram, x, p.lineOffset, value))
                         p.Apply(value, kx, ky);
@@ -214,7 +228,7 @@ void CRotationBackground::DrawPicture(uint32_t mode, const RotationParameterWind
             } else if (mode == 2) {
                 // Parameter A unless A's coefficient says B; B's coefficient
                 // is read with A's line offset.
-                const Parameter &a = parameters[0], &b = parameters[1];
+                Parameter &a = parameters[0], &b = parameters[1];
                 kx = a.set.kx, ky = a.set.ky;
                 if (a.control.enabled) {
                     if (a.Coefficient(vram, x, a.lineOffset, value)) {
@@ -233,7 +247,7 @@ void CRotationBackground::DrawPicture(uint32_t mode, const RotationParameterWind
             } else {
                 // The window tests the screen position before the line ratio.
                 q = window->Inside(vram, screenX, screenY) ? 0 : 1;
-                const Parameter& p = parameters[q];
+                Parameter& p = parameters[q];
                 kx = p.set.kx, ky = p.set.ky;
                 if (p.control.enabled) {
                     if (p.Coefficient(vram, x, p.lineOffset, value))
@@ -251,17 +265,23 @@ void CRotationBackground::DrawPicture(uint32_t mode, const RotationParameterWind
             const float fx = static_cast<float>(x);
             const int32_t mapX = Truncate((fx * p.dX + p.xsp) * kx + p.xp) & (4 * p.width - 1);
             const int32_t mapY = Truncate((fx * p.dY + p.ysp) * ky + p.yp) & (4 * p.height - 1);
-            const uint32_t plane = static_cast<uint32_t>(4 * (mapY / p.height) + mapX / p.width);
-            const int32_t xInPlane = mapX & (p.width - 1), yInPlane = mapY & (p.height - 1);
-            const uint32_t index = PatternIndex(static_cast<uint32_t>(xInPlane / c), static_cast<uint32_t>(yInPlane / c));
             // Dots in one character share the request: the name is read and
             // the character looked up only when the character changes.
-            const uint32_t entry = p.planes[plane] + index * nameBytes;
-            if (entry != lastEntry) {
-                request.PrepareCell(*this, p.planes[plane], index);
-                lastEntry = entry;
+            const uint32_t key = static_cast<uint32_t>(mapX >> charShift) |
+                                 static_cast<uint32_t>(mapY >> charShift) << 15 | q << 30;
+            if (key != lastKey) {
+                lastKey = key;
+                const uint32_t plane = static_cast<uint32_t>(4 * (mapY >> p.heightShift) + (mapX >> p.widthShift));
+                const int32_t xInPlane = mapX & (p.width - 1), yInPlane = mapY & (p.height - 1);
+                const uint32_t index = PatternIndex(static_cast<uint32_t>(xInPlane >> charShift),
+                                                    static_cast<uint32_t>(yInPlane >> charShift));
+                const uint32_t entry = p.planes[plane] + index * nameBytes;
+                if (entry != lastEntry) {
+                    request.PrepareCell(*this, p.planes[plane], index);
+                    lastEntry = entry;
+                }
             }
-            row[j] = request.IsPrepared() ? request.GetCellPixel(xInPlane & (c - 1), yInPlane & (c - 1)) : 0u;
+            row[j] = request.GetCellPixel(mapX & (c - 1), mapY & (c - 1));
         }
     }
     renderer->DrawRotationBackground(static_cast<int>(bgNumber), picture.data(), kPictureSize, kPictureSize);

@@ -113,8 +113,12 @@ bool CPatternName::GetCells() {
     if (cellDataSize == 0) return false;  // a colour count the background cannot show
     for (uint32_t k = 0; k < CellCount(); ++k) {
         cells[k] = GetCell(k);
-        VDPGL_CHECK_OR_RETURN(cells[k]->Picture(paletteBlock)!=0, "vdp2_character_pattern", false);
+        pictures[k] = cells[k]->Picture(paletteBlock);
+        VDPGL_CHECK_OR_RETURN(pictures[k]!=0, "vdp2_character_pattern", false);
     }
+    const int32_t last = characterSize ? 15 : 7;
+    flipX = hFlip ? last : 0;
+    flipY = vFlip ? last : 0;
     prepared = true;
     return true;
 }
@@ -173,24 +177,8 @@ void CPatternName::Upload(CNormalBackground& bg, uint32_t planeNumber, int32_t x
     write(cells[3], x1, y1);
 }
 
-uint32_t CPatternName::GetCellPixel(int32_t x, int32_t y) const {
-    VDPGL_CHECK_OR_RETURN(prepared, "vdp2_character_pattern", 0u);
-    uint32_t k = 0;
-    if (characterSize == 0) {
-        if (hFlip) x = 7 - x;
-        if (vFlip) y = 7 - y;
-    } else {
-        if (hFlip) x = 15 - x;
-        if (vFlip) y = 15 - y;
-        k = ((x & 15) >= 8 ? 1u : 0u) + ((y & 15) >= 8 ? 2u : 0u);
-    }
-    const uint32_t* cellData = cells[k]->Picture(paletteBlock);
-    VDPGL_CHECK_OR_RETURN(cellData!=0, "vdp2_character_pattern", 0u);
-    return cellData[(y & 7) * 8 + (x & 7)];
-}
-
 void CPatternName::DrawCharacterToBuffer(uint32_t* destination) const {
-    VDPGL_CHECK_OR_RETURN(prepared && destination, "vdp2_character_pattern");
+    VDPGL_CHECK_OR_RETURN(prepared && destination, "vdp2_character_pattern");  // cellData!=0 for every cell
     const int32_t dots = characterSize ? 16 : 8;
     for (int32_t y = 0; y < dots; ++y)
         for (int32_t x = 0; x < dots; ++x) *destination++ = GetCellPixel(x, y);

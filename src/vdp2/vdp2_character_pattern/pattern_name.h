@@ -24,8 +24,15 @@ struct CPatternName {
     // character (not so for a colour count the background cannot show).
     bool IsPrepared() const { return prepared; }
     // Colour word of dot (x, y) of the prepared character (0-7, or 0-15 for
-    // a 2 x 2 character), flips applied.
-    uint32_t GetCellPixel(int32_t x, int32_t y) const;
+    // a 2 x 2 character), flips applied; 0 when nothing is prepared. Inline:
+    // the rotation planes ask for every dot.
+    uint32_t GetCellPixel(int32_t x, int32_t y) const {
+        if (!prepared) return 0;
+        x ^= flipX;  // 7 - x (15 - x) for the dots of a character
+        y ^= flipY;
+        const uint32_t k = characterSize ? static_cast<uint32_t>(((x >> 3) & 1) | (((y >> 3) & 1) << 1)) : 0;
+        return pictures[k][(y & 7) * 8 + (x & 7)];
+    }
     // The prepared character as 8 x 8 or 16 x 16 colour words, flipped.
     void DrawCharacterToBuffer(uint32_t* destination) const;
 
@@ -62,6 +69,8 @@ private:
     static auto& module();
 
     CVdp2CharacterPattern* cells[4] = {};
+    const uint32_t* pictures[4] = {};  // the cells' pictures for paletteBlock
+    int32_t flipX = 0, flipY = 0;      // masks that turn a dot position over
     bool prepared = false;
 };
 
