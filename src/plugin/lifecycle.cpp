@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <string>
 #include <filesystem>
 #include <system_error>
 
@@ -65,6 +66,18 @@ void ApplyTextureMemoryFromEnvironment() {
     CVdp1CharacterPattern::SetTextureBudget(uint64_t{megabytes} << 20);
 }
 
+// VDPGL_ROTATION_SAMPLING=screen samples the rotation planes once per
+// emulated screen dot; "grid" or nothing keeps the 256 x 256 grid.
+void ApplyRotationSamplingFromEnvironment() {
+    const char* text = std::getenv("VDPGL_ROTATION_SAMPLING");
+    const std::string value = text ? text : "";
+    if (value == "screen")
+        plugin.vdp2->rotationScreenSampling = true;
+    else if (!value.empty() && value != "grid")
+        std::fprintf(stderr, "vdpgl: VDPGL_ROTATION_SAMPLING=%s is neither \"grid\" nor \"screen\"; using the grid\n",
+                     text);
+}
+
 }  // namespace
 
 }  // namespace vdpgl
@@ -96,6 +109,7 @@ bool InitVDPPlugin(void* record) {
     plugin.vdp2->Link(*plugin.vdp1);
     vdpgl::ApplyScaleFromEnvironment();
     vdpgl::ApplyTextureMemoryFromEnvironment();
+    vdpgl::ApplyRotationSamplingFromEnvironment();
 
     std::error_code ec;
     const std::filesystem::path folder = std::filesystem::current_path(ec) / vdpgl::kReplacementFolderName;

@@ -181,6 +181,9 @@ public:
     uint32_t paletteAllStamp = 0;
     uint32_t colorTable[0x10000];
     CCellCacheCounters cellCache;
+    // The rotation planes sample once per emulated screen dot instead of on
+    // the 256 x 256 grid (VDPGL_ROTATION_SAMPLING=screen).
+    bool rotationScreenSampling = false;
 
 private:
     void OnVramChanged(uint32_t a) {

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstdlib>
 #include <functional>
 #include <vector>
 
@@ -65,6 +66,8 @@ protected:
                 for (int x = 0; x < kWidth; ++x) picture.Blend(x, y, layer(x, y));
         return picture;
     }
+
+    void CheckRotationPlane(bool perDot);
 
     std::vector<uint8_t> vram = std::vector<uint8_t>(0x80000);
     std::vector<uint16_t> cram = std::vector<uint16_t>(2048);
@@ -184,10 +187,11 @@ TEST_F(HostVdp2FrameTest, ZoomedPlaneOfTwoByTwoCharactersFromFourMapsWithTwoWord
     ExpectFrame(expected, 1);
 }
 
-// RBG0 through its rotation parameter tables: the picture is sampled on a 256 x 256 grid of the screen and stretched
-// over it, so a screen pixel shows the sample whose cell its centre falls in (pixels whose centre lies on a sample
-// border are left out of the comparison, where the GL may take either).
-TEST_F(HostVdp2FrameTest, RotationPlaneThroughIdentityTablesCoefficientsAndTheParameterWindow) {
+// RBG0 through its rotation parameter tables, over NBG0: identity tables show the plain map, a coefficient table hides
+// the upper lines, and the parameter window shows table A inside a rectangle and B (another map, shifted) outside.
+// On the 256 x 256 grid stretched over the screen a pixel shows the sample whose cell its centre falls in (pixels whose
+// centre lies on a sample border are left out, where the GL may take either); sampled per screen dot, its own.
+void HostVdp2FrameTest::CheckRotationPlane(bool perDot) {
     static constexpr uint32_t kMaps[2] = {0x20000, 0x22000}, kCells = 0x1000, kTables = 0x30000, kCoefficients = 0x40000;
     constexpr uint32_t kOne = 1023u << 6;  // 1.0 in the tables' long fixed-point fields
     for (uint32_t i = 0; i < 8 * 32; ++i) Byte(kCells + i, static_cast<uint8_t>((i * 53 + i / 32 * 7) % 256));
@@ -224,8 +228,9 @@ TEST_F(HostVdp2FrameTest, RotationPlaneThroughIdentityTablesCoefficientsAndThePa
         const uint16_t pn = WordAt(kMaps[t] + static_cast<uint32_t>((y / 8 * 64 + x / 8) * 2));
         return CellDot((pn & 0x3FFu) * 32, x % 8, y % 8, pn >> 12);
     };
-    const auto sampled = [](const std::function<Rgba(int, int)>& at) {  // what the stretched picture shows
-        return [at](int px, int py) {
+    const auto sampled = [perDot](const std::function<Rgba(int, int)>& at) {  // what the picture shows at a pixel
+        return [at, perDot](int px, int py) {
+            if (perDot) return at(px, py);
             const int j = (2 * px + 1) * 256 / (2 * kWidth), i = (2 * py + 1) * 256 / (2 * kHeight);
             return at(j * kWidth / 256, i * kHeight / 256);
         };
@@ -236,7 +241,8 @@ TEST_F(HostVdp2FrameTest, RotationPlaneThroughIdentityTablesCoefficientsAndThePa
         int wrong = 0, compared = 0;
         for (int py = 0; py < kHeight; ++py)
             for (int px = 0; px < kWidth; ++px) {
-                if ((2 * px + 1) * 256 % (2 * kWidth) == 0 || (2 * py + 1) * 256 % (2 * kHeight) == 0) continue;
+                if (!perDot && ((2 * px + 1) * 256 % (2 * kWidth) == 0 || (2 * py + 1) * 256 % (2 * kHeight) == 0))
+                    continue;
                 ++compared;
                 const Rgba e = expected.px[static_cast<size_t>(py * kWidth + px)], s = shown.At(px, py);
                 if (!(e == s) && ++wrong <= 5) ADD_FAILURE() << "at (" << px << "," << py << "): " << s << ", expected " << e;
@@ -251,5 +257,21 @@ TEST_F(HostVdp2FrameTest, RotationPlaneThroughIdentityTablesCoefficientsAndThePa
     Reg(0x0D6, 0x0002), Reg(0x0C0, 100), Reg(0x0C2, 50), Reg(0x0C4, 199), Reg(0x0C6, 149);
     expect(sampled([&](int x, int y) { return map(x >= 100 && x <= 199 && y >= 50 && y <= 149 ? 0 : 1, x, y); }));
 }
+
+TEST_F(HostVdp2FrameTest, RotationPlaneOnTheGrid) { CheckRotationPlane(false); }
+
+class HostVdp2ScreenSamplingTest : public HostVdp2FrameTest {
+protected:
+    void SetUp() override {
+        setenv("VDPGL_ROTATION_SAMPLING", "screen", 1);
+        HostVdp2FrameTest::SetUp();
+    }
+    void TearDown() override {
+        HostVdp2FrameTest::TearDown();
+        unsetenv("VDPGL_ROTATION_SAMPLING");
+    }
+};
+
+TEST_F(HostVdp2ScreenSamplingTest, RotationPlaneSampledPerScreenDot) { CheckRotationPlane(true); }
 
 }  // namespace

@@ -111,6 +111,8 @@ public:
     int32_t bitmapWidths[2] = {};
     int32_t bitmapHeights[2] = {};
     uint32_t rotationBackgroundTextureIds[2] = {};
+    int32_t rotationTextureWidths[2] = {};
+    int32_t rotationTextureHeights[2] = {};
 
 private:
     // Device coordinates of a console position.

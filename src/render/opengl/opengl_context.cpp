@@ -87,6 +87,7 @@ void COpenGl::ReleaseGl() {
         glDeleteTextures(2, rotationBackgroundTextureIds);
         normalBackgroundBitmapTextureIds[0] = normalBackgroundBitmapTextureIds[1] = 0;
         rotationBackgroundTextureIds[0] = rotationBackgroundTextureIds[1] = 0;
+        rotationTextureWidths[0] = rotationTextureWidths[1] = rotationTextureHeights[0] = rotationTextureHeights[1] = 0;
         frameBuffers.Release();
 
         if (!context->MakeNotCurrent()) ShowShutdownError("Release Of DC And RC Failed.");

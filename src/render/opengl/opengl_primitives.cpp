@@ -50,21 +50,29 @@ void COpenGl::DrawBitmap(int bgNumber, int x1, int y1, int x2, int y2, float s1,
 }
 
 void COpenGl::DrawRotationBackground(int bgNumber, const uint32_t* pixels, int width, int height) {
-    if (!context || (bgNumber != 4 && bgNumber != 5) || !pixels) return;
-    uint32_t& texture = rotationBackgroundTextureIds[bgNumber - 4];
-    if (!texture) {
+    if (!context || (bgNumber != 4 && bgNumber != 5) || !pixels || width <= 0 || height <= 0) return;
+    const int n = bgNumber - 4;
+    uint32_t& texture = rotationBackgroundTextureIds[n];
+    // 256 x 256, or larger when the picture is sampled per screen dot.
+    if (!texture || width > rotationTextureWidths[n] || height > rotationTextureHeights[n]) {
+        if (texture) glDeleteTextures(1, &texture);
+        rotationTextureWidths[n] = width > 256 ? width : 256;
+        rotationTextureHeights[n] = height > 256 ? height : 256;
         glGenTextures(1, &texture);
         glBindTexture(GL_TEXTURE_2D, texture);
-        glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, 256, 256, 0, GL_RGBA, GL_UNSIGNED_BYTE, nullptr);
+        glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, rotationTextureWidths[n], rotationTextureHeights[n], 0, GL_RGBA,
+                     GL_UNSIGNED_BYTE, nullptr);
     }
     glBindTexture(GL_TEXTURE_2D, texture);
+    glPixelStorei(GL_UNPACK_ALIGNMENT, 4);
     glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, width, height, GL_RGBA, GL_UNSIGNED_BYTE, pixels);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
     glEnable(GL_TEXTURE_2D);
     // The whole viewport, stretched; the buffer's first row lands at the
     // bottom edge (the rotation backgrounds render bottom row first).
-    const float s = static_cast<float>(width) / 256.0f, t = static_cast<float>(height) / 256.0f;
+    const float s = static_cast<float>(width) / static_cast<float>(rotationTextureWidths[n]);
+    const float t = static_cast<float>(height) / static_cast<float>(rotationTextureHeights[n]);
     glBegin(GL_QUADS);
     glColor4f(1.0f, 1.0f, 1.0f, 1.0f);
     secondaryColorFunction(0.0f, 0.0f, 0.0f);

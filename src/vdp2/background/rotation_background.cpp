@@ -197,6 +197,14 @@ void CRotationBackground::DrawPicture(uint32_t mode, const RotationParameterWind
     PrepareParameter(single, parameters[single]);
     if (both) PrepareParameter(1, parameters[1]);
 
+    // The grid: 256 x 256 samples stretched over the screen, or one sample
+    // per screen dot.
+    const bool perDot = v.rotationScreenSampling;
+    const int32_t columns = perDot ? v.screenHRes : kPictureSize, rows = perDot ? v.screenVRes : kPictureSize;
+    if (picture.size() < static_cast<size_t>(columns) * static_cast<size_t>(rows))
+        picture.resize(static_cast<size_t>(columns) * static_cast<size_t>(rows));
+    pictureWidth = columns;
+    pictureHeight = rows;
     const int32_t lineRatio = (v.verticalDoubled || v.interlaced) ? 2 : 1;
     const int32_t c = static_cast<int32_t>(CharacterDots());
     const uint32_t nameBytes = patternNameDataSize ? 2 : 4;
@@ -207,13 +215,13 @@ void CRotationBackground::DrawPicture(uint32_t mode, const RotationParameterWind
     uint32_t lastEntry = ~0u;  // the map entry `request` holds
     uint32_t lastKey = ~0u;    // and the character position and parameter it was found for
 
-    for (int32_t i = 0; i < kPictureSize; ++i) {
-        const int32_t screenY = i * v.screenVRes / kPictureSize, y = screenY / lineRatio;
+    for (int32_t i = 0; i < rows; ++i) {
+        const int32_t screenY = perDot ? i : i * v.screenVRes / kPictureSize, y = screenY / lineRatio;
         parameters[single].StartRow(y);
         if (both) parameters[1].StartRow(y);
-        uint32_t* row = picture.data() + static_cast<size_t>(kPictureSize - 1 - i) * kPictureSize;
-        for (int32_t j = 0; j < kPictureSize; ++j) {
-            const int32_t screenX = j * v.screenHRes / kPictureSize, x = screenX / lineRatio;
+        uint32_t* row = picture.data() + static_cast<size_t>(rows - 1 - i) * static_cast<size_t>(columns);
+        for (int32_t j = 0; j < columns; ++j) {
+            const int32_t screenX = perDot ? j : j * v.screenHRes / kPictureSize, x = screenX / lineRatio;
             uint32_t q = single;
             float value = 0.0f;
             bool transparent = false;
@@ -284,7 +292,7 @@ void CRotationBackground::DrawPicture(uint32_t mode, const RotationParameterWind
             row[j] = request.GetCellPixel(mapX & (c - 1), mapY & (c - 1));
         }
     }
-    renderer->DrawRotationBackground(static_cast<int>(bgNumber), picture.data(), kPictureSize, kPictureSize);
+    renderer->DrawRotationBackground(static_cast<int>(bgNumber), picture.data(), columns, rows);
 }
 
 void CRotationBackground::GetInformation(std::string& text) const {

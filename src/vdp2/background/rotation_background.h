@@ -5,8 +5,9 @@
 // centre, shift, scale), optionally scaled per dot by a coefficient table.
 // Two parameter sets, A and B, are used alone, or switched by coefficient
 // data or by the rotation parameter window. The picture is computed in
-// software on a 256 x 256 grid of the screen each frame and stretched over
-// the screen; decoded cells come from the cell cache.
+// software each frame, on a 256 x 256 grid of the screen stretched over it
+// or, as an option, once per screen dot; decoded cells come from the cell
+// cache.
 #include <cstdint>
 #include <vector>
 
@@ -30,7 +31,8 @@ public:
     void Draw() override;
     void GetInformation(std::string& text) const override;
 
-    // The picture of the last drawing, bottom row first (for tests).
+    // The picture of the last drawing, pictureWidth x pictureHeight, bottom
+    // row first (for tests and benchmarks).
     const std::vector<uint32_t>& Picture() const { return picture; }
 
     uint32_t planeWidths[2] = {};
