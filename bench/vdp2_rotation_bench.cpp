@@ -41,7 +41,8 @@ void BM_Vdp2RotationPicture(benchmark::State& state) {
     for (uint32_t i = 0; i < 1024; ++i) chips.vdp2->WriteCramWord(i * 2, static_cast<uint16_t>(i * 37));
     chips.FillVdp2Data(0x1000, 512 * 32, 5);
     for (uint32_t i = 0; i < 64 * 64; ++i)
-        chips.vdp2->WriteVramWord(kMap + i * 2, static_cast<uint16_t>((i % 7) << 12 | (i * 7 % 4) << 10 | (0x80 + i % 512)));
+        chips.vdp2->WriteVramWord(kMap + i * 2,
+                                  static_cast<uint16_t>((i % 7) << 12 | (i * 7 % 4) << 10 | (0x80 + i % 512)));
     const double angle = 0.5236, zoom = 1.5;
     for (uint32_t t = 0; t < 2; ++t) {
         const uint32_t table = kTables + t * 0x80;

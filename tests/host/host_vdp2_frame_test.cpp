@@ -46,7 +46,10 @@ protected:
         vram[a] = v;
     }
     void Word(uint32_t a, uint16_t v) { Byte(a, static_cast<uint8_t>(v >> 8)), Byte(a + 1, static_cast<uint8_t>(v)); }
-    void Long(uint32_t a, uint32_t v) { Word(a, static_cast<uint16_t>(v >> 16)), Word(a + 2, static_cast<uint16_t>(v)); }
+    void Long(uint32_t a, uint32_t v) {
+        Word(a, static_cast<uint16_t>(v >> 16));
+        Word(a + 2, static_cast<uint16_t>(v));
+    }
     uint16_t WordAt(uint32_t a) const { return static_cast<uint16_t>(vram[a] << 8 | vram[a + 1]); }
     uint32_t LongAt(uint32_t a) const { return uint32_t{WordAt(a)} << 16 | WordAt(a + 2); }
 
@@ -87,7 +90,8 @@ TEST_F(HostVdp2FrameTest, ScrolledCellPlaneUnderABitmapUnderAPolygonAtOneLevelAn
     };
     for (int cy = 0; cy < 64; ++cy)
         for (int cx = 0; cx < 64; ++cx) Word(kMap + static_cast<uint32_t>((cy * 64 + cx) * 2), name(cx, cy));
-    for (int i = 0; i < 40; ++i) Byte(kBitmap + static_cast<uint32_t>((50 + i % 8) * 512 + 100 + i * 3), uint8_t(7 + i));
+    for (int i = 0; i < 40; ++i)
+        Byte(kBitmap + static_cast<uint32_t>((50 + i % 8) * 512 + 100 + i * 3), static_cast<uint8_t>(7 + i));
     Byte(kBitmap + 511, 200);              // the last dot of the first row: shown at the screen's left edge
     Byte(kBitmap + 255 * 512 + 300, 201);  // the last row: shown at the top
 
@@ -121,7 +125,9 @@ TEST_F(HostVdp2FrameTest, ScrolledCellPlaneUnderABitmapUnderAPolygonAtOneLevelAn
         const uint8_t d = vram[kBitmap + static_cast<uint32_t>(((y + 3) & 255) * 512 + ((x - 5) & 511))];
         return d ? Rgb555(cram[d]) : kClear;
     };
-    const Layer polygon = [](int x, int y) { return x >= 150 && x < 190 && y >= 40 && y < 70 ? ShapeColour(0x7C1F) : kClear; };
+    const Layer polygon = [](int x, int y) {
+        return x >= 150 && x < 190 && y >= 40 && y < 70 ? ShapeColour(0x7C1F) : kClear;
+    };
     ExpectFrame(Compose({nbg1, nbg0, polygon}));
     VdpglCacheCounters caches{};
     ASSERT_EQ(x().GetCacheCounters(&caches), 1);
@@ -173,7 +179,8 @@ TEST_F(HostVdp2FrameTest, ZoomedPlaneOfTwoByTwoCharactersFromFourMapsWithTwoWord
             const int mx = (-300 + x / 2) & 2047, my = (100 + y / 2) & 1023;
             const int plane = (mx >= 1024 ? 1 : 0) + (my >= 512 ? 2 : 0);
             const int px = mx & 1023, py = my & 511, cx = px / 16, cy = py / 16;
-            const uint32_t pn = LongAt(kPlaneMaps[plane] + static_cast<uint32_t>((cx / 32) * 1024 + cy * 32 + cx % 32) * 4);
+            const uint32_t index = static_cast<uint32_t>((cx / 32) * 1024 + cy * 32 + cx % 32);
+            const uint32_t pn = LongAt(kPlaneMaps[plane] + index * 4);
             int dx = px % 16, dy = py % 16;
             if (pn >> 30 & 1) dx = 15 - dx;
             if (pn >> 31) dy = 15 - dy;
@@ -192,14 +199,15 @@ TEST_F(HostVdp2FrameTest, ZoomedPlaneOfTwoByTwoCharactersFromFourMapsWithTwoWord
 // On the 256 x 256 grid stretched over the screen a pixel shows the sample whose cell its centre falls in (pixels whose
 // centre lies on a sample border are left out, where the GL may take either); sampled per screen dot, its own.
 void HostVdp2FrameTest::CheckRotationPlane(bool perDot) {
-    static constexpr uint32_t kMaps[2] = {0x20000, 0x22000}, kCells = 0x1000, kTables = 0x30000, kCoefficients = 0x40000;
+    static constexpr uint32_t kMaps[2] = {0x20000, 0x22000};
+    constexpr uint32_t kCells = 0x1000, kTables = 0x30000, kCoefficients = 0x40000;
     constexpr uint32_t kOne = 1023u << 6;  // 1.0 in the tables' long fixed-point fields
     for (uint32_t i = 0; i < 8 * 32; ++i) Byte(kCells + i, static_cast<uint8_t>((i * 53 + i / 32 * 7) % 256));
     for (uint32_t m = 0; m < 2; ++m)
         for (uint32_t cy = 0; cy < 64; ++cy)
             for (uint32_t cx = 0; cx < 64; ++cx)
-                Word(kMaps[m] + (cy * 64 + cx) * 2,
-                     static_cast<uint16_t>((cx + cy + m) % 2 ? 0x3000 : 0x6000 | (kCells / 32 + (cx * 5 + cy + m * 3) % 8)));
+                Word(kMaps[m] + (cy * 64 + cx) * 2, static_cast<uint16_t>(((cx + cy + m) % 2 ? 0x3000 : 0x6000) |
+                                                                   (kCells / 32 + (cx * 5 + cy + m * 3) % 8)));
     for (uint32_t t = 0; t < 2; ++t) {  // tables A and B: identity, B shifted right by 64 map dots
         const uint32_t table = kTables + t * 0x80;
         for (uint32_t offset : {0x10u, 0x14u, 0x1Cu, 0x2Cu}) Long(table + offset, kOne);  // delta Yst, delta X, A, E
@@ -209,7 +217,8 @@ void HostVdp2FrameTest::CheckRotationPlane(bool perDot) {
     }
     for (uint32_t y = 0; y < 240; ++y) Word(kCoefficients + 2 * y, y < 100 ? 0x8000 : 0x03FF);  // transparent, 1.0
     // NBG0 below: a 256-colour 512 x 256 bitmap at 0x60000 of dots 1-255.
-    for (uint32_t i = 0; i < 512 * 256; i += 2) Word(0x60000 + i, static_cast<uint16_t>(((i % 255) + 1) << 8 | (i % 251 + 1)));
+    for (uint32_t i = 0; i < 512 * 256; i += 2)
+        Word(0x60000 + i, static_cast<uint16_t>(((i % 255) + 1) << 8 | (i % 251 + 1)));
 
     Reg(BGON, 0x0011);                                  // NBG0 and RBG0
     Reg(CHCTLA, 0x0012), Reg(MPOFN, 0x0003), Reg(ZMXIN0, 1), Reg(ZMXIN0 + 4, 1);  // the bitmap
@@ -245,7 +254,8 @@ void HostVdp2FrameTest::CheckRotationPlane(bool perDot) {
                     continue;
                 ++compared;
                 const Rgba e = expected.px[static_cast<size_t>(py * kWidth + px)], s = shown.At(px, py);
-                if (!(e == s) && ++wrong <= 5) ADD_FAILURE() << "at (" << px << "," << py << "): " << s << ", expected " << e;
+                if (!(e == s) && ++wrong <= 5)
+                    ADD_FAILURE() << "at (" << px << "," << py << "): " << s << ", expected " << e;
             }
         EXPECT_EQ(wrong, 0) << "of " << compared << " pixels compared";
     };

@@ -29,7 +29,8 @@ TEST_F(Vdp2BackgroundFieldsTest, RegisterFieldsAndDerivedValues) {
         float alpha, multiply[3], add[3];
     };
     const Case cases[] = {
-        {"offset code 5 in colour RAM mode 2", {{RAMCTL, 0x2000}, {CRAOFA, 0x0005}}, kNbg0, 0x1400, 0, 1, {1, 1, 1}, {}},
+        {"offset code 5 in colour RAM mode 2", {{RAMCTL, 0x2000}, {CRAOFA, 0x0005}}, kNbg0, 0x1400, 0, 1, {1, 1, 1},
+         {}},
         {"offset code 5 in mode 1", {{RAMCTL, 0x1000}, {CRAOFA, 0x0005}}, kNbg0, 0xA00, 0, 1, {1, 1, 1}, {}},
         {"NBG3's offset and priority", {{CRAOFA, 0x7000}, {PRINB, 0x0500}}, kNbg3, 0xE00, 5, 1, {1, 1, 1}, {}},
         {"ratio 16: half alpha", {{CCRNA, 0x0010}}, kNbg0, 0, 0, 0.5f, {1, 1, 1}, {}},

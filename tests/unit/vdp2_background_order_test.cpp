@@ -15,13 +15,16 @@ using BackgroundOrderTest = test::VdpTest;
 
 struct JournalBackground final : CBackground {  // notes "<name>@<level>" in a shared journal when drawn
     JournalBackground(uint32_t number, Journal& j) : CBackground(number), log(j) {}
-    void Draw() override { log.push_back(kBackgroundNames[bgNumber] + std::string("@") + std::to_string(GetPriority())); }
+    void Draw() override {
+        log.push_back(kBackgroundNames[bgNumber] + std::string("@") + std::to_string(GetPriority()));
+    }
     Journal& log;
 };
 
 TEST_F(BackgroundOrderTest, BackToFrontWithinEachLevelOnlyWhenVdp1DrawsWithTheDisplayOn) {
     Journal drawn;
-    for (uint32_t n = 0; n < kBackgroundCount; ++n) vdp2->ReplaceBackground(static_cast<int>(n), std::make_unique<JournalBackground>(n, drawn));
+    for (uint32_t n = 0; n < kBackgroundCount; ++n)
+        vdp2->ReplaceBackground(static_cast<int>(n), std::make_unique<JournalBackground>(n, drawn));
     // What one V-blank out draws with these priorities (NBG0-NBG3 and RBG0 as PRINA, PRINB and PRIR hold them;
     // RBG1 shares NBG0's), TVMD and PTMR (2: one cycle, automatic; 0: idle).
     const auto frame = [&](std::initializer_list<uint16_t> priorities, uint16_t tvmd, uint16_t ptmr) {

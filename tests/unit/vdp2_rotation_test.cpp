@@ -1,8 +1,11 @@
 // RBG0's rotation parameters, coefficient tables and the rotation parameter window as read from VRAM and registers.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
+#include <vector>
 
+#include "common/color_word.h"
 #include "vdp2/background/rotation_background.h"
 #include "vdp2/background/rotation_parameters.h"
 #include "vdp2/background/rotation_window.h"
@@ -127,6 +130,48 @@ TEST_F(Vdp2RotationTest, WindowChoiceAndTests) {
     EXPECT_FALSE(window({}).Inside(vdp2->vram, 10, 4)) << "0xFFFF: the whole line outside";
     vdp2->WriteRegisterWord(WCTLD, 0);
     EXPECT_FALSE(RotationParameterWindow().Choose(*vdp2, CModuleLog()));
+}
+
+TEST_F(Vdp2RotationTest, CoefficientDataSwitchesADotToParameterB) {
+    // Map A names a character of colour 1 everywhere, map B one of colour 2; both tables are identities. A's
+    // coefficients, one a line, are transparent on every third line: those lines take B.
+    constexpr uint32_t kTables = 0x30000, kOne = 1023u << 6;
+    for (uint32_t i = 0; i < 32; ++i) vdp2->WriteVramByte(0x1000 + i, 0x11), vdp2->WriteVramByte(0x1020 + i, 0x22);
+    for (uint32_t i = 0; i < 64 * 64; ++i) {
+        vdp2->WriteVramWord(0x20000 + 2 * i, 0x80);
+        vdp2->WriteVramWord(0x22000 + 2 * i, 0x81);
+    }
+    for (uint32_t t = 0; t < 2; ++t) {
+        for (uint32_t offset : {0x10u, 0x14u, 0x1Cu, 0x2Cu, 0x58u})
+            vdp2->WriteVramLong(kTables + t * 0x80 + offset, kOne);
+        vdp2->WriteVramLong(kTables + t * 0x80 + 0x4C, 0xFFFF), vdp2->WriteVramLong(kTables + t * 0x80 + 0x50, 0xFFFF);
+    }
+    for (uint32_t y = 0; y < 224; ++y) vdp2->WriteVramWord(0x40000 + 2 * y, y % 3 ? 0x03FF : 0x8000);
+    vdp2->WriteCramWord(2, 0x001F), vdp2->WriteCramWord(4, 0x03E0);
+    for (auto [reg, value] : {std::pair<uint32_t, uint16_t>{TVMD, TVMD_DISP}, {BGON, 0x0010}, {PRIR, 1}, {PNCR, 0x8000},
+                              {RPTAU, 1}, {RPTAL, 0x8000}, {RPMD, 2}, {KTCTL, 0x0003}, {KTAOF, 0x0002}})
+        vdp2->WriteRegisterWord(reg, value);
+    for (uint32_t k = 0; k < 8; ++k) {
+        vdp2->WriteRegisterWord(MPABRA + 2 * k, 16 << 8 | 16);
+        vdp2->WriteRegisterWord(MPABRB + 2 * k, 17 << 8 | 17);
+    }
+    const auto& rbg0 = static_cast<const CRotationBackground&>(*vdp2->Background(kRbg0));
+    const auto rowColours = [&] {  // the colour of each sample row, or 0 when a row is not of one colour
+        vdp2->OnVblankOut();
+        vdp2->DrawBackgrounds(1);
+        std::vector<uint32_t> colours;
+        for (int32_t i = 0; i < 256; ++i) {
+            const uint32_t* row = rbg0.Picture().data() + (255 - i) * 256;
+            colours.push_back(std::all_of(row, row + 256, [&](uint32_t c) { return c == row[0]; }) ? row[0] : 0);
+        }
+        return colours;
+    };
+    const uint32_t red = Rgb555ToColorWord(0x001F), green = Rgb555ToColorWord(0x03E0);
+    std::vector<uint32_t> expected;
+    for (int32_t i = 0; i < 256; ++i) expected.push_back((i * 224 / 256) % 3 ? red : green);
+    EXPECT_EQ(rowColours(), expected);
+    vdp2->WriteRegisterWord(KTCTL, 0x0002);  // A's table off: every dot on A
+    EXPECT_EQ(rowColours(), std::vector<uint32_t>(256, red));
 }
 
 }  // namespace

@@ -91,8 +91,11 @@ void CNormalBackground::ReadScrollAndZoom() {
     scrollX = SignedScroll(Field(at.scrollX, 0, 10));
     scrollY = SignedScroll(Field(at.scrollY, 0, 10));
     if (at.zoomXInt) {
-        scaleX = static_cast<float>(Field(at.zoomXInt, 0, 2)) + static_cast<float>(Field(at.zoomXFraction, 8, 15)) / 256.0f;
-        scaleY = static_cast<float>(Field(at.zoomYInt, 0, 2)) + static_cast<float>(Field(at.zoomYFraction, 8, 15)) / 256.0f;
+        const auto zoom = [](uint32_t integer, uint32_t fraction) {
+            return static_cast<float>(Field(integer, 0, 2)) + static_cast<float>(Field(fraction, 8, 15)) / 256.0f;
+        };
+        scaleX = zoom(at.zoomXInt, at.zoomXFraction);
+        scaleY = zoom(at.zoomYInt, at.zoomYFraction);
     } else {
         scaleX = scaleY = 1.0f;
     }
@@ -171,7 +174,8 @@ void CNormalBackground::LoadVisibleCharacters() {
             const int32_t mapX = (x < 0 ? x + 4 * width : x) & (2 * width - 1);
             const int32_t xInPlane = mapX & (width - 1);
             const uint32_t plane = (mapX >= width ? 1u : 0u) + (mapY >= height ? 2u : 0u);
-            const uint32_t index = PatternIndex(static_cast<uint32_t>(xInPlane / c), static_cast<uint32_t>(yInPlane / c));
+            const uint32_t index =
+                PatternIndex(static_cast<uint32_t>(xInPlane / c), static_cast<uint32_t>(yInPlane / c));
             request.DrawCell(*this, plane, planeAddresses[plane], index, xInPlane & ~(c - 1), yInPlane & ~(c - 1),
                              true);
         }
@@ -196,7 +200,8 @@ void CNormalBackground::DrawPlanePieces() {
             const int32_t xInMap = x < 0 ? x + 2 * width : x;
             VDPGL_CHECK_OR_RETURN(xInMap>=0, "background");
             const int32_t pieceLeft = x < -width ? -2 * width : x < 0 ? -width : (x / width) * width;
-            const int plane = ((xInMap & (2 * width - 1)) >= width ? 1 : 0) + ((yInMap & (2 * height - 1)) >= height ? 2 : 0);
+            const int plane =
+                ((xInMap & (2 * width - 1)) >= width ? 1 : 0) + ((yInMap & (2 * height - 1)) >= height ? 2 : 0);
             const ScreenSpan horizontal = SpanOnScreen(pieceLeft, width, left, right, scaleX, v.screenHRes);
             renderer->DrawPlane(bg, plane, horizontal.from * v.horizontalScale, vertical.from * v.verticalScale,
                                 horizontal.to * v.horizontalScale, vertical.to * v.verticalScale, horizontal.texFrom,

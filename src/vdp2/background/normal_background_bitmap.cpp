@@ -39,7 +39,8 @@ void DecodePaletteDots(const BitmapSource& in, uint32_t steps, uint32_t dotsPerS
             if (d == 0 && in.zeroIsTransparent)
                 *out++ = 0;
             else
-                *out++ = wide ? CramWideColor(in.cram, palette + 2 * d) : CramColor(in.cram, in.colorTable, palette + d);
+                *out++ =
+                    wide ? CramWideColor(in.cram, palette + 2 * d) : CramColor(in.cram, in.colorTable, palette + d);
         }
     }
 }
@@ -94,7 +95,8 @@ void CNormalBackground::DecodeBitmap(uint32_t* pixels) {
         }
         break;
     case 4:  // 24-bit dots, never transparent
-        for (uint32_t i = 0; i < bitmapDataSize / 4; ++i) *pixels++ = v.vram.ReadLong((a + 4 * i) & mask) | kOpaqueAlpha;
+        for (uint32_t i = 0; i < bitmapDataSize / 4; ++i)
+            *pixels++ = v.vram.ReadLong((a + 4 * i) & mask) | kOpaqueAlpha;
         break;
     default: break;
     }
