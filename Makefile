@@ -56,10 +56,10 @@ test-tsan: deps
 	cmake --build $(BUILD)-tsan -j $(JOBS) --target vdpgl_unit_tests
 	$(BUILD)-tsan/tests/vdpgl_unit_tests --gtest_brief=1
 
-# Writes the demo traces and plays both scenes, the sprite showcase and the
-# backgrounds scene (frames into demo-frames/<scene>/ while there is no
-# display window). It builds only the plug-in and the two tools it runs, not
-# the test suite.
+# Writes the demo traces and plays the scenes: the sprite showcase, the
+# backgrounds scene and the rotation scene (frames into demo-frames/<scene>/
+# while there is no display window). It builds only the plug-in and the two
+# tools it runs, not the test suite.
 demo: deps $(BUILD)/build.ninja
 	cmake --build $(BUILD) -j $(JOBS) --target vdpgl vdpgl-play vdpgl-scenes
 	@bash scripts/demo $(BUILD)

@@ -8,6 +8,7 @@
 #include <system_error>
 
 #include "background_scene.h"
+#include "rotation_scene.h"
 #include "scene_builder.h"
 #include "sprite_showcase.h"
 
@@ -23,6 +24,7 @@ struct Scene {
 constexpr Scene kScenes[] = {
     {"sprites", vdpgl::scenes::WriteSpriteShowcase},
     {"backgrounds", vdpgl::scenes::WriteBackgroundScene},
+    {"rotation", vdpgl::scenes::WriteRotationScene},
 };
 
 int Usage(std::FILE* to) {
