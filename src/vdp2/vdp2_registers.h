@@ -41,6 +41,7 @@ constexpr uint32_t SCYN2 = 0x092;
 constexpr uint32_t SCXN3 = 0x094;
 constexpr uint32_t SCYN3 = 0x096;
 constexpr uint32_t RPMD = 0x0B0;
+constexpr uint32_t RPRCTL = 0x0B2;
 constexpr uint32_t KTCTL = 0x0B4;
 constexpr uint32_t KTAOF = 0x0B6;
 constexpr uint32_t RPTAU = 0x0BC;

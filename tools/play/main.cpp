@@ -83,6 +83,8 @@ int main(int argc, char** argv) {
     // The plug-in reads these when it starts.
     if (options->headless) setenv("VDPGL_HEADLESS", "1", 1);
     if (options->scaleGiven) setenv("VDPGL_SCALE", std::to_string(options->scale).c_str(), 1);
+    // Frames depend on the flags alone, not on a setting the shell passed on.
+    setenv("VDPGL_ROTATION_SAMPLING", options->rotationSampling.c_str(), 1);
 
     vdpgl::host::CPluginLibrary library;
     const std::string pluginPath = options->pluginPath.empty() ? DefaultPluginPath() : options->pluginPath;

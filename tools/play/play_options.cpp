@@ -16,6 +16,8 @@ std::string Usage() {
            "  --capture-dir DIR   write frames as DIR/frame-NNNNNN.png\n"
            "  --capture-every K   capture every K-th frame (default 1)\n"
            "  --scale S           rendering scale: " + RenderingScaleList() + "\n"
+           "  --rotation-sampling grid|screen\n"
+           "                      rotation planes on the 256 x 256 grid (default) or per screen dot\n"
            "  --bench             report frames per second and frame times\n"
            "  --help              this text\n";
 }
@@ -86,6 +88,13 @@ std::optional<PlayOptions> ParsePlayOptions(const std::vector<std::string>& argu
             }
             options.scale = *scale;
             options.scaleGiven = true;
+        } else if (name == "--rotation-sampling") {
+            if (!takeValue()) return std::nullopt;
+            if (value != "grid" && value != "screen") {
+                error = "--rotation-sampling must be grid or screen (not \"" + value + "\")";
+                return std::nullopt;
+            }
+            options.rotationSampling = value;
         } else if (a.rfind("-", 0) == 0 && a != "-") {
             error = "unknown option " + a;
             return std::nullopt;

@@ -15,6 +15,7 @@ struct PlayOptions {
     long captureEvery = 1;
     float scale = 1.0f;
     bool scaleGiven = false;
+    std::string rotationSampling = "grid";  // "grid" or "screen"
     bool bench = false;
     bool help = false;
 };

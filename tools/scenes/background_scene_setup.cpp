@@ -19,26 +19,12 @@ constexpr Vdp2CellFormat kFarFormat{false, false, true, kFarCellAddress};   // 1
 constexpr Vdp2CellFormat kMidFormat{false, false, true, kMidCellAddress};   // the same
 constexpr Vdp2CellFormat kNearFormat{true, true, false, kNearCellAddress};  // 256 colours, 2 x 2 cells, two words
 
-template <size_t N>
-void WritePalette(CSceneBuilder& scene, uint32_t first, const std::array<uint16_t, N>& colors) {
-    for (size_t i = 0; i < N; ++i) scene.CramWord(first + static_cast<uint32_t>(i), colors[i]);
-}
-
-uint32_t ColorRamStart(uint32_t offset) { return offset * 256; }
-
-// The map register value that puts every plane A-D at one page: the page's
-// number in both halves of MPABN and MPCDN.
-uint16_t SamePageEverywhere(uint32_t mapAddress, uint32_t pageBytes) {
-    const auto page = static_cast<uint16_t>(mapAddress / pageBytes);
-    return static_cast<uint16_t>(page << 8 | page);
-}
-
 void SetUpPlane(CSceneBuilder& scene, int background, const PixelCodes& picture, const Vdp2CellFormat& format,
                 uint32_t mapAddress) {
     UploadPlane(scene, EncodePlane(picture, format), format, mapAddress);
     // One page is 64 x 64 (one-cell) or 32 x 32 (2 x 2) names of 2 or 4 bytes.
     const uint32_t pageBytes = (format.twoByTwo ? 32u * 32u : 64u * 64u) * (format.oneWordNames ? 2u : 4u);
-    const uint16_t maps = SamePageEverywhere(mapAddress, pageBytes);
+    const uint16_t maps = PagePair(mapAddress, pageBytes);
     scene.Vdp2Register(MapAB(background), maps);
     scene.Vdp2Register(MapCD(background), maps);
     // Bit 15: one-word names; bits 4-0 the upper bits of their character numbers.

@@ -24,19 +24,6 @@ constexpr Vdp2CellFormat kFloorFormat{true, false, false, kFloorCellAddress};  /
 // Pages of 64 x 64 names: 2 bytes a name for the sky, 4 for the floor.
 constexpr uint32_t kSkyPageBytes = 0x2000, kFloorPageBytes = 0x4000;
 
-template <size_t N>
-void WritePalette(CSceneBuilder& scene, uint32_t first, const std::array<uint16_t, N>& colors) {
-    for (size_t i = 0; i < N; ++i) scene.CramWord(first + static_cast<uint32_t>(i), colors[i]);
-}
-
-uint32_t ColorRamStart(uint32_t offset) { return offset * 256; }
-
-// A map register with one page number in both halves (bits 13-8 and 5-0).
-uint16_t PagePair(uint32_t mapAddress, uint32_t pageBytes) {
-    const auto page = static_cast<uint16_t>(mapAddress / pageBytes);
-    return static_cast<uint16_t>(page << 8 | page);
-}
-
 void SetUpSky(CSceneBuilder& scene) {
     using namespace backgrounds;
     WritePalette(scene, ColorRamStart(kSkyColorOffset) + kSkyPalette * 16, SkyPalette());

@@ -2,9 +2,12 @@
 // Backgrounds for VDP2: a picture cut into characters, identical and mirrored
 // characters stored once, with the one-page map of pattern names that puts
 // them back together; and bitmaps written dot by dot.
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
+#include "scene_builder.h"
 #include "vdp1_patterns.h"
 
 namespace vdpgl::scenes {
@@ -45,5 +48,20 @@ void UploadPlane(CSceneBuilder& scene, const Vdp2Plane& plane, const Vdp2CellFor
 
 // A 256-colour bitmap, one byte a dot, row by row from address.
 void WriteBitmap(CSceneBuilder& scene, uint32_t address, const PixelCodes& picture);
+
+// Colours into colour RAM from entry `first` on.
+template <size_t N>
+void WritePalette(CSceneBuilder& scene, uint32_t first, const std::array<uint16_t, N>& colors) {
+    for (size_t i = 0; i < N; ++i) scene.CramWord(first + static_cast<uint32_t>(i), colors[i]);
+}
+
+// The first colour RAM entry of a background's colour RAM offset code.
+constexpr uint32_t ColorRamStart(uint32_t offset) { return offset * 256; }
+
+// A map register value with one page number in both halves (bits 13-8 and
+// 5-0): both planes it names at the page that holds mapAddress.
+constexpr uint16_t PagePair(uint32_t mapAddress, uint32_t pageBytes) {
+    return static_cast<uint16_t>((mapAddress / pageBytes) << 8 | (mapAddress / pageBytes));
+}
 
 }  // namespace vdpgl::scenes
