@@ -194,6 +194,23 @@ TEST_F(RendererTest, BitmapShowsItsWholeUploadAndARotationPictureFillsTheViewpor
     EXPECT_EQ(Count(0, 0, 320, 224, kClear), 0);
 }
 
+TEST_F(RendererTest, AFilteredBackgroundBlendsNeighbouringDotsWhereNearestKeepsThem) {
+    // A 512 x 256 bitmap of red and blue columns, its first 40 dots stretched eight times across the screen.
+    gl.CreateBitmapTexture(0, 512, 256);
+    std::vector<uint32_t> stripes;
+    for (int i = 0; i < 512 * 256; ++i) stripes.push_back(Word(i % 2 ? kBlue : kRed));
+    gl.UpdateBitmapTexture(0, stripes.data());
+    for (bool filtered : {false, true}) {
+        gl.DrawBitmap(0, 0, 0, 320, 224, 0.0f, 40.0f / 512, 0.0f, 28.0f / 256, 1, 1, 1, 0, 0, 0, 1, filtered);
+        Present();
+        const int pure = Count(0, 0, 320, 224, kRed) + Count(0, 0, 320, 224, kBlue);
+        if (filtered)
+            EXPECT_LT(pure, 320 * 224 / 2) << "most dots lie between a red and a blue texel";
+        else
+            EXPECT_EQ(pure, 320 * 224);
+    }
+}
+
 TEST_F(RendererTest, SwapsExchangeTwoPicturesAndClearsEmptyTheNextOne) {
     gl.DrawPolygon(Box(0, 0, 10, 10, kRed));
     gl.SwapFrameBuffers();

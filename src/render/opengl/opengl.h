@@ -64,13 +64,15 @@ public:
     void UpdateBitmapTexture(int bgNumber, const uint32_t* pixels);
 
     // Primitives, in console pixels of the emulated screen.
+    // Backgrounds are sampled nearest, or bilinear when `filtered` (the
+    // control panel's "Filter backgrounds").
     void DrawPlane(int bgNumber, int plane, int x1, int y1, int x2, int y2, float s1, float s2, float t1, float t2,
                    float red, float green, float blue, float secondaryRed, float secondaryGreen, float secondaryBlue,
-                   float alpha);
+                   float alpha, bool filtered = false);
     void DrawBitmap(int bgNumber, int x1, int y1, int x2, int y2, float s1, float s2, float t1, float t2, float red,
                     float green, float blue, float secondaryRed, float secondaryGreen, float secondaryBlue,
-                    float alpha);
-    void DrawRotationBackground(int bgNumber, const uint32_t* pixels, int width, int height);
+                    float alpha, bool filtered = false);
+    void DrawRotationBackground(int bgNumber, const uint32_t* pixels, int width, int height, bool filtered = false);
     // A sprite with the texture the cache gave it (skipped when it has none),
     // mirrored as its direction says.
     void DrawTexturedPart(const CVdp1SpritePart& part);
@@ -121,7 +123,7 @@ private:
     void ApplyPolygonMode();
     void DrawTexturedQuad(uint32_t texture, int x1, int y1, int x2, int y2, float s1, float s2, float t1, float t2,
                           float red, float green, float blue, float secondaryRed, float secondaryGreen,
-                          float secondaryBlue, float alpha);
+                          float secondaryBlue, float alpha, bool filtered);
     void DrawUntexturedPart(const CVdp1Part& part, unsigned mode, int vertexCount);
 
     std::unique_ptr<platform::CGlContext> context;

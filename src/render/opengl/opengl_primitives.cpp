@@ -8,13 +8,22 @@
 
 namespace vdpgl {
 
+namespace {
+
+void SetFilter(bool filtered) {
+    const GLint filter = filtered ? GL_LINEAR : GL_NEAREST;
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, filter);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, filter);
+}
+
+}  // namespace
+
 void COpenGl::DrawTexturedQuad(uint32_t texture, int x1, int y1, int x2, int y2, float s1, float s2, float t1,
                                float t2, float red, float green, float blue, float secondaryRed, float secondaryGreen,
-                               float secondaryBlue, float alpha) {
+                               float secondaryBlue, float alpha, bool filtered) {
     const float dx1 = DeviceX(x1), dy1 = DeviceY(y1), dx2 = DeviceX(x2), dy2 = DeviceY(y2);
     glBindTexture(GL_TEXTURE_2D, texture);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
+    SetFilter(filtered);
     glEnable(GL_TEXTURE_2D);
     glBegin(GL_QUADS);
     glColor4f(red, green, blue, alpha);
@@ -33,23 +42,23 @@ void COpenGl::DrawTexturedQuad(uint32_t texture, int x1, int y1, int x2, int y2,
 
 void COpenGl::DrawPlane(int bgNumber, int plane, int x1, int y1, int x2, int y2, float s1, float s2, float t1,
                         float t2, float red, float green, float blue, float secondaryRed, float secondaryGreen,
-                        float secondaryBlue, float alpha) {
+                        float secondaryBlue, float alpha, bool filtered) {
     if (!context || bgNumber < 0 || bgNumber > 3 || plane < 0 || plane > 3) return;
     DrawTexturedQuad(normalBackgroundPlanesTextureIds[bgNumber][plane], x1, y1, x2, y2, s1, s2, t1, t2, red, green,
-                     blue, secondaryRed, secondaryGreen, secondaryBlue, alpha);
+                     blue, secondaryRed, secondaryGreen, secondaryBlue, alpha, filtered);
 }
 
 void COpenGl::DrawBitmap(int bgNumber, int x1, int y1, int x2, int y2, float s1, float s2, float t1, float t2,
                          float red, float green, float blue, float secondaryRed, float secondaryGreen,
-                         float secondaryBlue, float alpha) {
+                         float secondaryBlue, float alpha, bool filtered) {
     if (!context || (bgNumber != 0 && bgNumber != 1)) return;
     // Spelled as the check's message names it.
     VDPGL_CHECK_OR_RETURN(normalBackgroundBitmapTextureIds[bgNumber]!=0, "opengl");
     DrawTexturedQuad(normalBackgroundBitmapTextureIds[bgNumber], x1, y1, x2, y2, s1, s2, t1, t2, red, green, blue,
-                     secondaryRed, secondaryGreen, secondaryBlue, alpha);
+                     secondaryRed, secondaryGreen, secondaryBlue, alpha, filtered);
 }
 
-void COpenGl::DrawRotationBackground(int bgNumber, const uint32_t* pixels, int width, int height) {
+void COpenGl::DrawRotationBackground(int bgNumber, const uint32_t* pixels, int width, int height, bool filtered) {
     if (!context || (bgNumber != 4 && bgNumber != 5) || !pixels || width <= 0 || height <= 0) return;
     const int n = bgNumber - 4;
     uint32_t& texture = rotationBackgroundTextureIds[n];
@@ -66,8 +75,7 @@ void COpenGl::DrawRotationBackground(int bgNumber, const uint32_t* pixels, int w
     glBindTexture(GL_TEXTURE_2D, texture);
     glPixelStorei(GL_UNPACK_ALIGNMENT, 4);
     glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, width, height, GL_RGBA, GL_UNSIGNED_BYTE, pixels);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
+    SetFilter(filtered);
     glEnable(GL_TEXTURE_2D);
     // The whole viewport, stretched; the buffer's first row lands at the
     // bottom edge (the rotation backgrounds render bottom row first).

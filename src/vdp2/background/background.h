@@ -52,7 +52,8 @@ public:
     static uint16_t fieldMasks[16][16];
 
     const uint32_t bgNumber;
-    // Switches set from the user-interface threads.
+    // Switches set from the user-interface threads. A filtered background
+    // is sampled bilinear instead of nearest, smoothing it when scaled.
     std::atomic<uint8_t> filtered{0};
     std::atomic<uint8_t> disabled{0};
 

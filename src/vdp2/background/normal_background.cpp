@@ -207,7 +207,7 @@ void CNormalBackground::DrawPlanePieces() {
                                 horizontal.to * v.horizontalScale, vertical.to * v.verticalScale, horizontal.texFrom,
                                 horizontal.texTo, vertical.texFrom, vertical.texTo, colorOffsetMultiply[0],
                                 colorOffsetMultiply[1], colorOffsetMultiply[2], colorOffsetAdd[0], colorOffsetAdd[1],
-                                colorOffsetAdd[2], colorCalculationAlpha);
+                                colorOffsetAdd[2], colorCalculationAlpha, filtered.load(std::memory_order_relaxed));
             x = pieceLeft + width;  // the next piece starts at this one's edge
         }
         y = pieceTop + height;

@@ -133,7 +133,7 @@ void CNormalBackground::DrawBitmapMode() {
                                  vertical.to * v.verticalScale, horizontal.texFrom, horizontal.texTo,
                                  vertical.texFrom, vertical.texTo, colorOffsetMultiply[0], colorOffsetMultiply[1],
                                  colorOffsetMultiply[2], colorOffsetAdd[0], colorOffsetAdd[1], colorOffsetAdd[2],
-                                 colorCalculationAlpha);
+                                 colorCalculationAlpha, filtered.load(std::memory_order_relaxed));
             x = tileLeft + width;
         }
         y = tileTop + height;

@@ -292,7 +292,8 @@ void CRotationBackground::DrawPicture(uint32_t mode, const RotationParameterWind
             row[j] = request.GetCellPixel(mapX & (c - 1), mapY & (c - 1));
         }
     }
-    renderer->DrawRotationBackground(static_cast<int>(bgNumber), picture.data(), columns, rows);
+    renderer->DrawRotationBackground(static_cast<int>(bgNumber), picture.data(), columns, rows,
+                                     filtered.load(std::memory_order_relaxed));
 }
 
 void CRotationBackground::GetInformation(std::string& text) const {
