@@ -3,7 +3,7 @@
 // swap, and what the caches hold.
 #include "plugin/plugin_state.h"
 #include "render/opengl/opengl.h"
-#include "vdp1/vdp1_character_pattern/vdp1_character_pattern.h"
+#include "ui/chip_targets.h"
 #include "vdp2/vdp2.h"
 #include "vdpgl/vdpgl.h"
 
@@ -25,14 +25,7 @@ int CaptureDisplay(unsigned char* rgba, int width, int height) {
 int GetCacheCounters(VdpglCacheCounters* counters) {
     const vdpgl::CVdp2* vdp2 = plugin.vdp2;
     if (!counters || !vdp2) return 0;
-    using Patterns = vdpgl::CVdp1CharacterPattern;
-    counters->vdp1Patterns = static_cast<uint32_t>(Patterns::PatternCount());
-    counters->vdp1Textures = static_cast<uint32_t>(Patterns::TextureCount());
-    counters->vdp1TextureBytes = Patterns::TextureBytes();
-    counters->vdp1TextureBudget = Patterns::TextureBudget();
-    counters->vdp2Cells = vdp2->CellCache().Cells();
-    counters->vdp2Pictures = vdp2->CellCache().Pictures();
-    counters->vdp2CellBytes = vdp2->CellCache().Bytes();
+    vdpgl::ReadCacheCounters(*vdp2, *counters);
     return 1;
 }
 

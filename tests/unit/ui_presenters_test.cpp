@@ -1,0 +1,95 @@
+// The display menu and the control panel without a window: their items and boxes, and what a pick or a click
+// changes in the renderer and the chips, read back from them.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "ui/chip_targets.h"
+#include "vdp2/vdp2_character_pattern/pattern_name.h"
+#include "vdp_test.h"
+
+namespace vdpgl {
+namespace {
+
+using namespace ui;
+
+class UiPresentersTest : public test::VdpTest {
+protected:
+    UiPresentersTest() {
+        CDisplayMenuPresenter::ResetCheckedScale();
+        openers.textureEditor = [this] { opened += "editor "; };
+        openers.controlPanel = [this] { opened += "panel "; };
+        openers.backgroundViewer = [this] { opened += "viewer "; };
+    }
+    DialogOpeners openers;
+    std::string opened;
+    CChipMenuTarget menuTarget{*renderer, *vdp1, *vdp2, openers};
+    CChipPanelTarget panelTarget{*vdp1, *vdp2, openers};
+};
+
+TEST_F(UiPresentersTest, MenuCommandsReachTheRendererCachesAndDialogsAndLaterWindowsShowTheChecks) {
+    CDisplayMenuPresenter menu(menuTarget);
+    menu.OnCreate();
+    EXPECT_TRUE(menu.IsChecked(kMenuScaleOriginal) && !menu.IsChecked(kMenuWireframe));
+    menu.Command(kMenuScale32);
+    EXPECT_EQ(renderer->GetRenderingScale(), 3.2f);
+    EXPECT_TRUE(menu.IsChecked(kMenuScale32) && !menu.IsChecked(kMenuScaleOriginal));
+    menu.Command(kMenuWireframe);
+    EXPECT_TRUE(renderer->IsWireframe() && menu.IsChecked(kMenuWireframe));
+
+    CDisplayMenuPresenter later(menuTarget);  // a window made again shows the settings as they are
+    later.OnCreate();
+    EXPECT_TRUE(later.IsChecked(kMenuScale32) && later.IsChecked(kMenuWireframe));
+    later.Command(kMenuWireframe);
+    EXPECT_FALSE(renderer->IsWireframe() || later.IsChecked(kMenuWireframe));
+
+    CPatternName request;  // one cached cell, cleared at the next V-blank-out when asked for
+    request.characterAddress = 0x100, request.cellDataSize = 32;
+    new CVdp2CharacterPattern(request, 0);
+    later.Command(kMenuClearVdp2Cache);
+    EXPECT_EQ(vdp2->CellCache().Cells(), 1u) << "not on the menu's thread";
+    vdp2->OnVblankOut();
+    EXPECT_EQ(vdp2->CellCache().Cells(), 0u);
+
+    for (int id : {int{kMenuTextureEditor}, int{kMenuControlPanel}, int{kMenuLoadTextureSet}, 40099}) later.Command(id);
+    EXPECT_EQ(opened, "editor panel ") << "loading a set from the menu does nothing yet";
+    EXPECT_EQ(std::size(kDisplayMenu), 14u);
+    EXPECT_EQ(CDisplayMenuPresenter::ScaleOf(kMenuScale5) + CDisplayMenuPresenter::ScaleOf(kMenuWireframe), 5.0f);
+}
+
+TEST_F(UiPresentersTest, EachPanelBoxSwitchesItsBackgroundOrPartKindAndShowsTheSettingWhenOpenedAgain) {
+    struct Case {
+        int id;
+        bool (*setting)(CVdp1&, CVdp2&);  // true when the box's setting says "checked"
+    };
+    const Case cases[] = {
+        {1022, [](CVdp1&, CVdp2& v) { return v.IsBackgroundDisabled(0); }},
+        {1037, [](CVdp1&, CVdp2& v) { return v.IsBackgroundDisabled(5); }},
+        {1038, [](CVdp1&, CVdp2& v) { return v.IsBackgroundFiltered(1); }},
+        {1043, [](CVdp1&, CVdp2& v) { return v.IsBackgroundFiltered(5); }},
+        {1047, [](CVdp1& v, CVdp2&) { return !v.IsPartEnabled(0); }},  // normal sprites
+        {1048, [](CVdp1& v, CVdp2&) { return !v.IsPartEnabled(1); }},  // scaled
+        {1046, [](CVdp1& v, CVdp2&) { return !v.IsPartEnabled(2); }},  // distorted
+        {1024, [](CVdp1& v, CVdp2&) { return !v.IsPartEnabled(3); }},  // polygons
+        {1045, [](CVdp1& v, CVdp2&) { return !v.IsPartEnabled(4); }},  // polylines
+        {1049, [](CVdp1& v, CVdp2&) { return !v.IsPartEnabled(5); }},  // lines
+    };
+    CControlPanelPresenter panel(panelTarget);
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.id);
+        panel.OnToggle(c.id, true);
+        EXPECT_TRUE(c.setting(*vdp1, *vdp2));
+        EXPECT_TRUE(CControlPanelPresenter(panelTarget).IsChecked(c.id)) << "a panel opened again shows it";
+        int others = 0;
+        for (const ControlPanelBox& box : kControlPanelBoxes) others += box.id != c.id && panel.IsChecked(box.id);
+        EXPECT_EQ(others, 0) << "one box, one setting";
+        panel.OnToggle(c.id, false);
+        EXPECT_FALSE(c.setting(*vdp1, *vdp2) || panel.IsChecked(c.id));
+    }
+    panel.OnPress(kPanelBackgroundViewer), panel.OnPress(kPanelTextureEditor);
+    EXPECT_EQ(opened, "viewer editor ");
+    EXPECT_NE(panel.CacheText().find("VDP2 cells: 0 cells, 0 pictures"), std::string::npos) << panel.CacheText();
+}
+
+}  // namespace
+}  // namespace vdpgl
