@@ -109,6 +109,8 @@ TEST_F(ReplayTest, ExitCodesAndMessages) {
         {"VDPGL_RECORD=./sprites.trace", "--frames 30 " + Quote(trace), 0, notRecording + "./sprites.trace\")"},
         {"VDPGL_RECORD=link", "--frames 30 - < sprites.trace", 0, notRecording + "link\")"},
         {"", "--scale 2 --frames 1 --capture-dir scaled sprites.trace", 0, "1 frames played, 1 written"},
+        {"", "--loop --frames 400 sprites.trace", 0, "400 frames played"},  // past the 300 of one pass
+        {"cat sprites.trace |", "--loop -", 1, "--loop needs a trace file: standard input cannot start again"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.before + " " + c.arguments);
@@ -121,6 +123,13 @@ TEST_F(ReplayTest, ExitCodesAndMessages) {
     vdpgl::tools::RgbaImage png;
     std::string error;
     EXPECT_TRUE(ReadPng("scaled/frame-000000.png", png, error) && png.width == 640 && png.height == 448) << error;
+}
+
+TEST_F(ReplayTest, CtrlCEndsALoopingReplayCleanly) {
+    // The plug-in is stopped and shut down as at a trace's end, and the exit status is 0.
+    const ProcessResult run = Play("--loop sprites.trace & p=$!; sleep 1; kill -INT $p; wait $p", "");
+    EXPECT_EQ(run.status, 0) << run.output;
+    EXPECT_NE(run.output.find("interrupted: "), std::string::npos) << run.output;
 }
 
 }  // namespace

@@ -13,19 +13,21 @@ TEST(PlayOptionsTest, ValuesAfterAnEqualsSignAndMistakesNamed) {
     std::string error;
     const auto o = ParsePlayOptions(
         {"--frames=30", "--capture-dir=d", "--capture-every=5", "--scale=2.5", "--plugin=p.so", "--bench",
-         "--rotation-sampling=screen", "-"},
+         "--rotation-sampling=screen", "--fast", "-"},
         error);
     ASSERT_TRUE(o) << error;
     EXPECT_EQ(std::tuple(o->frames, o->captureDir, o->captureEvery, o->scale, o->pluginPath, o->tracePath, o->bench,
-                         o->scaleGiven, o->headless, o->rotationSampling),
-              std::tuple(30L, "d", 5L, 2.5f, "p.so", "-", true, true, false, "screen"));
+                         o->scaleGiven, o->headless, o->rotationSampling, o->fast, o->loop),
+              std::tuple(30L, "d", 5L, 2.5f, "p.so", "-", true, true, false, "screen", true, false));
+    EXPECT_TRUE(ParsePlayOptions({"--loop", "a.trace"}, error)->loop);
     EXPECT_TRUE(ParsePlayOptions({"--help"}, error)->help) << "help needs no trace";
     const struct { std::vector<std::string> arguments; const char* message; } cases[] = {
         {{}, "no trace given"}, {{"--frames"}, "--frames needs a value"},
         {{"--frames", "-3", "a"}, "--frames needs a number of frames, not \"-3\""},
         {{"--capture-every", "0", "a"}, "--capture-every needs a count of 1 or more, not \"0\""},
-        {{"--scale", "2x", "a"}, "--scale must be one of"}, {{"--fast", "a"}, "unknown option --fast"},
+        {{"--scale", "2x", "a"}, "--scale must be one of"}, {{"--quick", "a"}, "unknown option --quick"},
         {{"a", "-"}, "one trace at a time"}, {{"--rotation-sampling", "fine", "a"}, "grid or screen"},
+        {{"--loop", "-"}, "--loop needs a trace file"},
         {{"--scale", "1.5", "a"}, "--scale must be one of"}};
     for (const auto& c : cases) {
         EXPECT_FALSE(ParsePlayOptions(c.arguments, error));

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -57,6 +58,11 @@ int main(int argc, char** argv) {
         return kOk;
     }
 
+    if (std::error_code ec; options->loop && !std::filesystem::is_regular_file(options->tracePath, ec)) {
+        std::fprintf(stderr, "vdpgl-play: --loop needs a trace file; \"%s\" cannot start again\n",
+                     options->tracePath.c_str());
+        return kBadUsage;
+    }
     vdpgl::trace::CTraceReader reader;
     if (!reader.Open(options->tracePath)) {
         std::fprintf(stderr, "vdpgl-play: %s\n", reader.Error().c_str());
@@ -93,8 +99,18 @@ int main(int argc, char** argv) {
         return kNoPlugin;
     }
 
+    // A window people watch plays at the console's rate; offscreen, a
+    // benchmark or --fast plays as fast as it can.
+    const char* display = std::getenv("DISPLAY");
+    const bool windowed = !options->headless && display && *display;
     vdpgl::play::CTracePlayer player(library.Exports(), reader,
-                                     {options->frames, options->captureDir, options->captureEvery});
+                                     {options->frames, options->captureDir, options->captureEvery,
+                                      windowed && !options->fast && !options->bench, options->loop,
+                                      options->tracePath});
+    // Ctrl-C ends the replay as its end would: emulation stopped, plug-in
+    // shut down, no thread left behind.
+    std::signal(SIGINT, [](int) { vdpgl::play::CTracePlayer::Stop(); });
+    std::signal(SIGTERM, [](int) { vdpgl::play::CTracePlayer::Stop(); });
     const bool terminal = isatty(STDERR_FILENO);
     auto lastProgress = std::chrono::steady_clock::now();
     if (terminal) {
@@ -114,6 +130,7 @@ int main(int argc, char** argv) {
     emulation.join();
     if (terminal) std::fprintf(stderr, "\r%*s\r", 40, "");
 
+    if (result.interrupted) std::printf("interrupted: ");
     std::printf("%ld frames played", result.frames);
     if (result.captures) std::printf(", %ld written to %s", result.captures, options->captureDir.c_str());
     std::printf("\n");
@@ -126,7 +143,7 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "vdpgl-play: warning: %llu bytes follow the trace's end record, from byte %llu on (ignored)\n",
                      static_cast<unsigned long long>(reader.TrailingBytes()),
                      static_cast<unsigned long long>(reader.TrailingOffset()));
-    if (!result.complete && options->frames < 0)
+    if (!result.complete && options->frames < 0 && !result.interrupted)
         std::fprintf(stderr, "vdpgl-play: note: the trace has no end record (its recording was cut short)\n");
     return kOk;
 }

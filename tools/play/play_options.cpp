@@ -18,7 +18,9 @@ std::string Usage() {
            "  --scale S           rendering scale: " + RenderingScaleList() + "\n"
            "  --rotation-sampling grid|screen\n"
            "                      rotation planes on the 256 x 256 grid (default) or per screen dot\n"
-           "  --bench             report frames per second and frame times\n"
+           "  --bench             report frames per second and frame times (plays as fast as it can)\n"
+           "  --fast              do not pace a windowed replay at the console's 60 frames a second\n"
+           "  --loop              start the trace again at its end, until Ctrl-C\n"
            "  --help              this text\n";
 }
 
@@ -61,6 +63,10 @@ std::optional<PlayOptions> ParsePlayOptions(const std::vector<std::string>& argu
             options.headless = true;
         } else if (name == "--bench") {
             options.bench = true;
+        } else if (name == "--fast") {
+            options.fast = true;
+        } else if (name == "--loop") {
+            options.loop = true;
         } else if (name == "--plugin") {
             if (!takeValue()) return std::nullopt;
             options.pluginPath = value;
@@ -104,6 +110,10 @@ std::optional<PlayOptions> ParsePlayOptions(const std::vector<std::string>& argu
             error = "one trace at a time (got \"" + options.tracePath + "\" and \"" + a + "\")";
             return std::nullopt;
         }
+    }
+    if (options.loop && options.tracePath == "-") {
+        error = "--loop needs a trace file: standard input cannot start again";
+        return std::nullopt;
     }
     if (!options.help && options.tracePath.empty()) {
         error = "no trace given";

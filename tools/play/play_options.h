@@ -17,6 +17,8 @@ struct PlayOptions {
     bool scaleGiven = false;
     std::string rotationSampling = "grid";  // "grid" or "screen"
     bool bench = false;
+    bool fast = false;  // no pacing at the console's frame rate (--bench implies it)
+    bool loop = false;  // start the trace again at its end
     bool help = false;
 };
 

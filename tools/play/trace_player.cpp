@@ -1,6 +1,8 @@
 #include "trace_player.h"
 
+#include <algorithm>
 #include <cstdio>
+#include <thread>
 #include <tuple>
 
 #include "png_file.h"
@@ -63,8 +65,18 @@ void CTracePlayer::Dispatch(const trace::Record& r) {
     }
 }
 
+std::atomic<bool> CTracePlayer::stopRequested{false};
+
 bool CTracePlayer::EndFrame(PlayResult& result) {
     const long frame = result.frames++;
+    if (settings.pace) {
+        // The console's field rate, 59.94 a second; a late frame does not
+        // make the next ones hurry.
+        constexpr auto kFrame = std::chrono::nanoseconds(16683333);
+        const auto now = std::chrono::steady_clock::now();
+        nextFrameDue = std::max(nextFrameDue + kFrame, now - kFrame);
+        if (nextFrameDue > now) std::this_thread::sleep_until(nextFrameDue);
+    }
     if (!settings.captureDir.empty() && frame % settings.captureEvery == 0) {
         int width = 0, height = 0;
         x.GetDisplaySize(&width, &height);
@@ -115,12 +127,19 @@ PlayResult CTracePlayer::Play() {
     PlayResult result;
     const auto start = std::chrono::steady_clock::now();
     frameStart = start;
+    nextFrameDue = start;
     trace::Record record;
     bool more = settings.frames != 0;
     while (more) {
+        if (stopRequested.load(std::memory_order_relaxed)) {
+            result.interrupted = true;
+            break;
+        }
         const trace::CTraceReader::Status status = reader.Next(record);
         if (status == trace::CTraceReader::Status::End) {
             result.complete = reader.SawEndRecord();
+            // A loop plays the whole trace again, its start and stop included.
+            if (settings.loop && result.complete && reader.Open(settings.tracePath)) continue;
             break;
         }
         if (status == trace::CTraceReader::Status::Error) {

@@ -2,6 +2,7 @@
 // CTracePlayer: replays a trace through a loaded plug-in's exports on the
 // calling thread (the player gives it an emulation thread of its own),
 // capturing frames and timing them on the way.
+#include <atomic>
 #include <chrono>
 #include <cstdint>
 #include <functional>
@@ -17,10 +18,14 @@ struct PlayerSettings {
     long frames = -1;         // stop after this many frames; -1: all
     std::string captureDir;   // empty: no captures
     long captureEvery = 1;
+    bool pace = false;        // hold each frame to the console's rate
+    bool loop = false;        // replay from the start at the trace's end (needs a file)
+    std::string tracePath;    // to open the trace again for a loop
 };
 
 struct PlayResult {
     bool ok = true;
+    bool interrupted = false;     // stopped by Stop() (Ctrl-C)
     std::string error;            // what stopped the replay
     long frames = 0;              // frames replayed
     long captures = 0;            // PNG files written
@@ -41,6 +46,9 @@ public:
     std::function<void(long frames, double done)> onFrame;
 
     PlayResult Play();
+    // Asks a replay in progress to stop after the record it is on; the plug-in
+    // is then stopped and shut down as at the end. Safe from a signal handler.
+    static void Stop() { stopRequested.store(true, std::memory_order_relaxed); }
 
 private:
     void Dispatch(const trace::Record& r);
@@ -55,6 +63,8 @@ private:
     bool running = false;
     std::vector<uint8_t> capture;
     std::chrono::steady_clock::time_point frameStart;
+    std::chrono::steady_clock::time_point nextFrameDue;
+    static std::atomic<bool> stopRequested;
 };
 
 }  // namespace vdpgl::play
