@@ -11,6 +11,7 @@
 #include "plugin/plugin_state.h"
 #include "plugin/plugin_texts.h"
 #include "plugin/trace_recorder.h"
+#include "plugin/user_interface.h"
 #include "render/opengl/opengl.h"
 #include "vdp1/vdp1.h"
 #include "vdp2/vdp2.h"
@@ -96,7 +97,10 @@ bool InitVDPPlugin(void* record) {
         words[1] = given[1];
     }
     // A second initialisation without DeInitPlugin starts afresh.
-    if (plugin.renderer) vdpgl::DestroyObjects();
+    if (plugin.renderer) {
+        vdpgl::DestroyUserInterface();
+        vdpgl::DestroyObjects();
+    }
 
     plugin.pluginInstance = words[0];
     plugin.hostWindow = words[1];
@@ -110,6 +114,7 @@ bool InitVDPPlugin(void* record) {
     vdpgl::ApplyScaleFromEnvironment();
     vdpgl::ApplyTextureMemoryFromEnvironment();
     vdpgl::ApplyRotationSamplingFromEnvironment();
+    vdpgl::CreateUserInterface();
 
     std::error_code ec;
     const std::filesystem::path folder = std::filesystem::current_path(ec) / vdpgl::kReplacementFolderName;
@@ -120,6 +125,7 @@ bool InitVDPPlugin(void* record) {
 
 void DeInitPlugin(void) {
     VDPGL_RECORD_EVENT(DeInitPlugin);
+    vdpgl::DestroyUserInterface();
     vdpgl::DestroyObjects();
 }
 
@@ -132,17 +138,18 @@ void Reset(void) {
 
 void SetupPlugin(void) {
     VDPGL_RECORD_EVENT(SetupPlugin);
-    // The control panel opens here once its dialog exists; until then there
-    // is nothing to show.
+    // The control panel lives on the UI thread, which this call starts when
+    // no display window has yet.
+    vdpgl::OpenControlPanelForHost();
 }
 
 void EmulationThreadStarting(void) {
     VDPGL_RECORD_EVENT(EmulationThreadStarting);
     if (!plugin.vdp1) return;
-    // The context becomes current on this, the emulation thread; every GL
-    // call comes from here on. A failure has been shown to the user and
-    // leaves drawing harmless.
-    plugin.renderer->InitGl(plugin.displayWindow.load());
+    // A fresh display window (with a display), and the context current on
+    // this, the emulation thread; every GL call comes from here on. A failure
+    // has been shown to the user and leaves drawing harmless.
+    vdpgl::StartDisplay();
     plugin.vdp1->Reset();
     plugin.vdp2->ResetVdp2();
 }
@@ -152,7 +159,7 @@ void EmulationThreadStoping(void) {
     // Cached textures belong to this context: they go with it, so that the
     // next start's cache holds no names of a context that no longer exists.
     if (plugin.vdp1) plugin.vdp1->ClearPatternCache();
-    if (plugin.renderer) plugin.renderer->ReleaseGl();
+    vdpgl::StopDisplay();
 }
 
 void VDPOnVblankIn(void) {

@@ -1,5 +1,6 @@
 #include "plugin/trace_recorder.h"
 
+#include <cstdio>
 #include <cstdlib>
 #include <memory>
 #include <string>
@@ -50,7 +51,8 @@ CTraceRecorder::~CTraceRecorder() {
         failedNow = !stopped && !writer.Close();
         stopped = true;
     }
-    if (failedNow) platform::ShowMessageBox("Recording", writer.Error().c_str(), platform::MessageIcon::Error);
+    // This runs as the process ends, when no window can be shown any more.
+    if (failedNow) std::fprintf(stderr, "vdpgl: Recording: %s\n", writer.Error().c_str());
 }
 
 template <typename Write>
@@ -64,10 +66,10 @@ void CTraceRecorder::Guarded(Write write) {
             traceRecorder.store(nullptr, std::memory_order_relaxed);
         }
     }
-    // Outside the lock: a message box may wait for the user.
+    // Outside the lock, and without waiting for the user: emulation goes on.
     if (failedNow) {
         const std::string text = writer.Error() + "; recording stopped, emulation goes on";
-        platform::ShowMessageBox("Recording", text.c_str(), platform::MessageIcon::Error);
+        platform::PostMessageBox("Recording", text.c_str(), platform::MessageIcon::Error);
     }
 }
 

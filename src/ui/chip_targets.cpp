@@ -36,6 +36,7 @@ void CChipMenuTarget::RequestVdp1CacheClear() { vdp1.RequestCacheClear(); }
 void CChipMenuTarget::RequestVdp2CacheClear() { vdp2.RequestCellCacheClear(); }
 void CChipMenuTarget::OpenTextureEditor() { Open(openers.textureEditor); }
 void CChipMenuTarget::OpenControlPanel() { Open(openers.controlPanel); }
+void CChipMenuTarget::RequestScreenshot() { renderer.RequestScreenshot(); }
 
 bool CChipPanelTarget::IsBackgroundDisabled(int bgNumber) const { return vdp2.IsBackgroundDisabled(bgNumber); }
 void CChipPanelTarget::SetBackgroundDisabled(int bgNumber, bool off) { vdp2.SetBackgroundDisabled(bgNumber, off); }

@@ -37,6 +37,7 @@ public:
     void RequestVdp2CacheClear() override;
     void OpenTextureEditor() override;
     void OpenControlPanel() override;
+    void RequestScreenshot() override;
 
 private:
     COpenGl& renderer;

@@ -64,6 +64,8 @@ public:
     // Each opens its dialog unless it is open already.
     virtual void OpenTextureEditor() = 0;
     virtual void OpenControlPanel() = 0;
+    // The next frame shown is saved as a picture file.
+    virtual void RequestScreenshot() = 0;
 
 protected:
     ~CDisplayMenuTarget() = default;
@@ -79,6 +81,8 @@ public:
     bool IsChecked(int id) const;
     // A menu pick.
     void Command(int id);
+    // The screenshot key.
+    void Screenshot() { target.RequestScreenshot(); }
 
     // The scale an item stands for; 0 for other ids.
     static float ScaleOf(int id);

@@ -10,12 +10,12 @@
 #include <string>
 
 #include "../unit/temp_dir.h"
-#include "png_file.h"
+#include "common/png_file.h"
 
 namespace {
 
 namespace fs = std::filesystem;
-using vdpgl::tools::ReadPng;
+using vdpgl::ReadPng;
 
 struct ProcessResult { int status = -1; std::string output; };  // the output: stdout and stderr together
 
@@ -33,7 +33,7 @@ std::string Quote(const fs::path& p) { return "'" + p.string() + "'"; }
 
 // Pixels of two pictures with a channel more than `tolerance` apart (edge pixels vary by driver); all if incomparable.
 int PixelsApart(const fs::path& a, const fs::path& b, int tolerance) {
-    vdpgl::tools::RgbaImage x, y;
+    vdpgl::RgbaImage x, y;
     std::string error;
     if (!ReadPng(a.string(), x, error) || !ReadPng(b.string(), y, error) || x.width != y.width || x.height != y.height)
         return 1 << 30;
@@ -120,7 +120,7 @@ TEST_F(ReplayTest, ExitCodesAndMessages) {
         EXPECT_TRUE(at != std::string::npos && run.output.find(c.message, at + 1) == std::string::npos) << run.output;
     }
     EXPECT_EQ(fs::file_size(trace), size) << "the played trace stays as it was";
-    vdpgl::tools::RgbaImage png;
+    vdpgl::RgbaImage png;
     std::string error;
     EXPECT_TRUE(ReadPng("scaled/frame-000000.png", png, error) && png.width == 640 && png.height == 448) << error;
 }

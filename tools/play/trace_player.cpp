@@ -5,7 +5,7 @@
 #include <thread>
 #include <tuple>
 
-#include "png_file.h"
+#include "common/png_file.h"
 
 namespace vdpgl::play {
 
@@ -30,21 +30,31 @@ void CTracePlayer::Dispatch(const trace::Record& r) {
     const uint32_t a = r.address, v = r.value;
     if (r.kind == trace::Record::Kind::Event) {
         switch (r.event) {
+        // A loop keeps the plug-in, and its window, from one pass to the
+        // next: a pass's stop and shutdown wait for the end of the last
+        // pass, and the next pass's start is a reset.
         case Event::InitVDPPlugin:
+            if (initialised && settings.loop) {
+                x.Reset();
+                break;
+            }
             x.InitVDPPlugin(nullptr);
             initialised = true;
             break;
         case Event::DeInitPlugin:
+            if (settings.loop) break;
             x.DeInitPlugin();
             initialised = running = false;
             break;
         case Event::Reset: x.Reset(); break;
         case Event::SetupPlugin: break;  // a dialog: nothing to replay
         case Event::EmulationThreadStarting:
+            if (running && settings.loop) break;
             x.EmulationThreadStarting();
             running = true;
             break;
         case Event::EmulationThreadStoping:
+            if (settings.loop) break;
             x.EmulationThreadStoping();
             running = false;
             break;
@@ -85,7 +95,7 @@ bool CTracePlayer::EndFrame(PlayResult& result) {
             char name[32];
             std::snprintf(name, sizeof name, "/frame-%06ld.png", frame);
             std::string error;
-            if (!tools::WritePng(settings.captureDir + name, capture.data(), width, height, error)) {
+            if (!WritePng(settings.captureDir + name, capture.data(), width, height, error)) {
                 result.ok = false;
                 result.error = error;
                 return false;
@@ -138,7 +148,7 @@ PlayResult CTracePlayer::Play() {
         const trace::CTraceReader::Status status = reader.Next(record);
         if (status == trace::CTraceReader::Status::End) {
             result.complete = reader.SawEndRecord();
-            // A loop plays the whole trace again, its start and stop included.
+            // A loop plays the whole trace again.
             if (settings.loop && result.complete && reader.Open(settings.tracePath)) continue;
             break;
         }

@@ -33,6 +33,7 @@ bool CFrameBuffers::Load(platform::CGlContext& c) {
     bindRenderbuffer = Lookup<PFNGLBINDRENDERBUFFERPROC>(c, "glBindRenderbuffer", "glBindRenderbufferEXT");
     renderbufferStorage =
         Lookup<PFNGLRENDERBUFFERSTORAGEPROC>(c, "glRenderbufferStorage", "glRenderbufferStorageEXT");
+    blitFramebuffer = Lookup<PFNGLBLITFRAMEBUFFERPROC>(c, "glBlitFramebuffer", "glBlitFramebufferEXT");
     return genFramebuffers && deleteFramebuffers && bindFramebuffer && framebufferRenderbuffer &&
            checkFramebufferStatus && genRenderbuffers && deleteRenderbuffers && bindRenderbuffer &&
            renderbufferStorage;
@@ -66,6 +67,28 @@ void CFrameBuffers::BindForDrawing(int index) { bindFramebuffer(GL_FRAMEBUFFER, 
 void CFrameBuffers::Swap() {
     if (!HasBuffers()) return;
     back ^= 1;
+    BindForDrawing(back);
+}
+
+void CFrameBuffers::Present(int windowWidth, int windowHeight) {
+    if (!HasBuffers() || !blitFramebuffer || windowWidth <= 0 || windowHeight <= 0) return;
+    // The largest rectangle of the picture's aspect that fits, centred.
+    int w = windowWidth, h = windowHeight;
+    if (int64_t{windowWidth} * height > int64_t{windowHeight} * width)
+        w = static_cast<int>(int64_t{windowHeight} * width / height);
+    else
+        h = static_cast<int>(int64_t{windowWidth} * height / width);
+    const int x = (windowWidth - w) / 2, y = (windowHeight - h) / 2;
+
+    bindFramebuffer(GL_FRAMEBUFFER, 0);
+    GLfloat clear[4];
+    glGetFloatv(GL_COLOR_CLEAR_VALUE, clear);
+    glClearColor(0, 0, 0, 1);
+    glClear(GL_COLOR_BUFFER_BIT);
+    glClearColor(clear[0], clear[1], clear[2], clear[3]);
+    bindFramebuffer(GL_READ_FRAMEBUFFER, framebuffers[back ^ 1]);
+    const bool sameSize = w == width && h == height;
+    blitFramebuffer(0, 0, width, height, x, y, x + w, y + h, GL_COLOR_BUFFER_BIT, sameSize ? GL_NEAREST : GL_LINEAR);
     BindForDrawing(back);
 }
 

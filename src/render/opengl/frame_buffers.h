@@ -22,6 +22,9 @@ public:
     // with the back one bound for drawing.
     bool Resize(int width, int height);
     void Swap();
+    // Shows the front buffer in the window's own framebuffer of this size:
+    // scaled to fit with its aspect kept, black bars around it.
+    void Present(int windowWidth, int windowHeight);
     // Copies the front buffer as 8-bit RGBA, top row first.
     bool ReadFront(uint8_t* rgba, int width, int height);
     // Deletes the buffers (the context must still be current).
@@ -43,6 +46,7 @@ private:
     PFNGLDELETERENDERBUFFERSPROC deleteRenderbuffers = nullptr;
     PFNGLBINDRENDERBUFFERPROC bindRenderbuffer = nullptr;
     PFNGLRENDERBUFFERSTORAGEPROC renderbufferStorage = nullptr;
+    PFNGLBLITFRAMEBUFFERPROC blitFramebuffer = nullptr;  // only needed to present in a window
 
     GLuint framebuffers[2] = {0, 0};
     GLuint renderbuffers[2] = {0, 0};

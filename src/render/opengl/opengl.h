@@ -47,6 +47,9 @@ public:
     void SwapFrameBuffers();
     void ClearFrameBuffer();
     void RequestClear() { clearRequested.store(true, std::memory_order_relaxed); }
+    // The display window's screenshot key: the picture of the next swap is
+    // saved as screenshots/<date>_<time>.png under the current folder.
+    void RequestScreenshot() { screenshotRequested.store(true, std::memory_order_relaxed); }
     // The picture of the last swap, RGBA, top row first; false before the
     // first swap, for another size, or off the emulation thread.
     bool CaptureDisplay(uint8_t* rgba, int width, int height);
@@ -125,12 +128,14 @@ private:
                           float red, float green, float blue, float secondaryRed, float secondaryGreen,
                           float secondaryBlue, float alpha, bool filtered);
     void DrawUntexturedPart(const CVdp1Part& part, unsigned mode, int vertexCount);
+    void SaveScreenshot();
 
     std::unique_ptr<platform::CGlContext> context;
     CFrameBuffers frameBuffers;
     std::thread::id contextThread;
     uint64_t swapCount = 0;
     std::atomic<bool> clearRequested{false};
+    std::atomic<bool> screenshotRequested{false};
     std::atomic<bool> wireframe{false};
     std::atomic<int> saturnHRes{320};
     std::atomic<int> saturnVRes{240};

@@ -1,6 +1,7 @@
 // COpenGl: the context's life, pending setting changes and the frame's end.
 #include <vector>
 
+#include "platform/display_window.h"
 #include "platform/gl_context.h"
 #include "platform/message_box.h"
 #include "render/opengl/gl_headers.h"
@@ -97,6 +98,7 @@ void COpenGl::ReleaseGl() {
     }
     secondaryColorFunction = NoSecondaryColor;
     swapCount = 0;
+    windowHandle = nullptr;  // the window is closed after the context is gone
 }
 
 void COpenGl::ApplyPolygonMode() {
@@ -115,8 +117,12 @@ void COpenGl::ApplyPendingChanges() {
 
 void COpenGl::ChangeRenderingResolution() {
     log.Log("ChangeRenderingResolution\n");
-    if (!context) return;
     const int w = GetRenderingHRes(), h = GetRenderingVRes();
+    // The window's picture area takes the new size; this waits for the UI
+    // thread, so the next swap finds the surface at its new size.
+    if (windowHandle)
+        platform::ResizeDisplayWindow(static_cast<platform::DisplayWindow*>(windowHandle), w, h, WindowTitle());
+    if (!context) return;
     // New buffers at the new size; the pictures in the old ones are dropped.
     if (frameBuffers.Width() != w || frameBuffers.Height() != h) {
         frameBuffers.Resize(w, h);
@@ -129,6 +135,13 @@ void COpenGl::SwapFrameBuffers() {
     if (!context) return;
     frameBuffers.Swap();
     ++swapCount;
+    // The window shows the picture just composed; captures read the same
+    // buffer, so they are the same with or without a window.
+    if (int w = 0, h = 0; context->WindowSize(w, h)) {
+        frameBuffers.Present(w, h);
+        context->SwapWindow();
+    }
+    if (screenshotRequested.exchange(false, std::memory_order_relaxed)) SaveScreenshot();
     if (clearRequested.exchange(false, std::memory_order_relaxed)) ClearFrameBuffer();
 }
 

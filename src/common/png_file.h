@@ -1,11 +1,12 @@
 #pragma once
-// PNG files of RGBA pictures (8 bits a channel, top row first): frame
-// captures written by the player, reference pictures read by the tests.
+// PNG files of RGBA pictures (8 bits a channel, top row first): the display
+// window's screenshots, frame captures written by the player, reference
+// pictures read by the tests.
 #include <cstdint>
 #include <string>
 #include <vector>
 
-namespace vdpgl::tools {
+namespace vdpgl {
 
 struct RgbaImage {
     int width = 0;
@@ -17,4 +18,4 @@ struct RgbaImage {
 bool WritePng(const std::string& path, const uint8_t* rgba, int width, int height, std::string& error);
 bool ReadPng(const std::string& path, RgbaImage& image, std::string& error);
 
-}  // namespace vdpgl::tools
+}  // namespace vdpgl

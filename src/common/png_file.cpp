@@ -1,10 +1,10 @@
-#include "png_file.h"
+#include "common/png_file.h"
 
 #include <png.h>
 
 #include <cstring>
 
-namespace vdpgl::tools {
+namespace vdpgl {
 
 bool WritePng(const std::string& path, const uint8_t* rgba, int width, int height, std::string& error) {
     png_image image;
@@ -40,4 +40,4 @@ bool ReadPng(const std::string& path, RgbaImage& result, std::string& error) {
     return true;
 }
 
-}  // namespace vdpgl::tools
+}  // namespace vdpgl
