@@ -57,9 +57,9 @@ test-tsan: deps
 	$(BUILD)-tsan/tests/vdpgl_unit_tests --gtest_brief=1
 
 # Writes the demo traces and plays the scenes: the sprite showcase, the
-# backgrounds scene and the rotation scene (frames into demo-frames/<scene>/
-# while there is no display window). It builds only the plug-in and the two
-# tools it runs, not the test suite.
+# backgrounds scene and the rotation scene, in the display window when there
+# is a display (else offscreen), every 10th frame into demo-frames/<scene>/.
+# It builds only the plug-in and the two tools it runs, not the test suite.
 demo: deps $(BUILD)/build.ninja
 	cmake --build $(BUILD) -j $(JOBS) --target vdpgl vdpgl-play vdpgl-scenes
 	@bash scripts/demo $(BUILD)

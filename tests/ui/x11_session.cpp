@@ -20,7 +20,7 @@
 #include <filesystem>
 #include <thread>
 
-#include "../../tools/common/png_file.h"
+#include "common/png_file.h"
 
 namespace vdpgl::test {
 
@@ -407,7 +407,7 @@ bool CX11Session::SavePng(unsigned long window, const std::string& path) {
     const std::filesystem::path parent = std::filesystem::path(path).parent_path();
     std::error_code ignored;
     if (!parent.empty()) std::filesystem::create_directories(parent, ignored);
-    return tools::WritePng(path, rgba.data(), width, height, error_);
+    return WritePng(path, rgba.data(), width, height, error_);
 }
 
 void CX11Session::MoveTo(int rootX, int rootY) {

@@ -31,15 +31,12 @@ public:
     void draw() override {}
 };
 
-// Bar-level entries get an Alt shortcut, so the menu works from the keyboard.
-std::string BarLabel(const char* text) {
-    const std::string label = text;
-    if (label == "Control panel") return "Control &panel";
-    return "&" + label;
-}
+// The popups get an Alt shortcut, so the menu works from the keyboard (the
+// control panel is reached from them with the arrow keys).
+std::string BarLabel(const char* text) { return "&" + std::string(text); }
 
 std::string ItemPath(const ui::DisplayMenuItem& item) {
-    if (!item.popup) return BarLabel(item.text);
+    if (!item.popup) return item.text;
     std::string path = BarLabel(item.popup) + "/";
     if (item.submenu) path += std::string(item.submenu) + "/";
     return path + item.text;

@@ -48,7 +48,7 @@ public:
         fl_font(FL_HELVETICA, FL_NORMAL_SIZE);
         int textW = 420, textH = 0;
         fl_measure(text.c_str(), textW, textH);
-        textW = std::clamp(textW, 160, 420);
+        textW = std::clamp(textW + 12, 160, 432);  // room for the box's own margins
         textH = std::max(textH, 50);
         const int width = 10 + 50 + 15 + textW + 15, height = 10 + textH + 10 + 25 + 10;
         size(width, height);

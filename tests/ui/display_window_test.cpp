@@ -1,0 +1,214 @@
+// The plug-in's windows under an Xvfb of the test's own, driven as a player drives them: keys and clicks through
+// XTEST, the effect read back from the frames, the window sizes and titles. Screenshots of every window go to
+// build/ui-screenshots/ for the record.
+#include <gtest/gtest.h>
+
+#include <dirent.h>
+
+#include <chrono>
+#include <cstring>
+#include <filesystem>
+#include <thread>
+
+#include "../host/host_frame.h"
+#include "../support/vdp1_commands.h"
+#include "common/png_file.h"
+#include "platform/fltk/control_panel_layout.h"
+#include "ui/control_panel_presenter.h"
+#include "x11_session.h"
+
+namespace vdpgl::host {
+namespace {
+
+using namespace std::chrono_literals;
+using test::Command;
+using test::kPolygonCmd;
+
+constexpr auto kWait = 5s;
+constexpr uint16_t kRed = 0x801F, kGreen = 0x83E0;
+
+int ThreadCount() {
+    int n = 0;
+    for (const auto& entry : std::filesystem::directory_iterator("/proc/self/task")) n += entry.is_directory();
+    return n;
+}
+
+Command Quad(uint16_t colr, int16_t x0, int16_t y0, int16_t x1, int16_t y1) {
+    return {.ctrl = kPolygonCmd, .colr = colr, .xa = x0, .ya = y0, .xb = x1, .yb = y0, .xc = x1, .yc = y1,
+            .xd = x0, .yd = y1};
+}
+
+// One server for the process, never stopped by the test: the plug-in's UI connection stays open until the process
+// ends, and a server gone before it would end the process from inside Xlib. It goes when the process does.
+void StartServer() {
+    static test::CXvfbServer* server = nullptr;
+    if (server) return;
+    unsetenv("VDPGL_HEADLESS");
+    server = new test::CXvfbServer;
+    ASSERT_TRUE(server->Start()) << server->Error();
+}
+
+// A screenshot for the record, once the window shows more than its background.
+void SaveDrawn(test::CX11Session& x11, unsigned long window, const char* name) {
+    std::vector<uint8_t> rgba;
+    int w = 0, h = 0;
+    for (auto end = std::chrono::steady_clock::now() + kWait; std::chrono::steady_clock::now() < end;) {
+        const auto differs = [&](size_t i) { return std::memcmp(rgba.data(), rgba.data() + i, 4) != 0; };
+        bool drawn = false;
+        if (x11.Capture(window, rgba, w, h))
+            for (size_t i = 4; i < rgba.size() && !drawn; i += 4) drawn = differs(i);
+        if (drawn)
+            break;
+        std::this_thread::sleep_for(20ms);
+    }
+    EXPECT_TRUE(x11.SavePng(window, std::string(VDPGL_UI_SCREENSHOTS "/") + name)) << x11.Error();
+}
+
+class UiTest : public HostFrameTest {
+protected:
+    static void SetUpTestSuite() { StartServer(); }
+
+    void SetUp() override {
+        ASSERT_TRUE(x11.Open()) << x11.Error();
+        threadsBefore = ThreadCount();
+        HostTest::SetUp();
+        StartDrawing();
+        window = x11.WaitForWindow("OpenGL display", kWait);
+        ASSERT_NE(window, 0u) << "no display window";
+        // A red polygon on the left and a green one on the right: the polygon switch takes both away.
+        test::WriteCommandList([this](uint32_t a, uint16_t v) { x().WriteWordVDP1VRAM(a, v); },
+                               {Quad(kRed, 10, 10, 150, 200), Quad(kGreen, 170, 10, 310, 200)});
+    }
+
+    unsigned long PictureArea() {
+        const auto children = x11.Children(window);
+        return children.empty() ? 0 : children.back();
+    }
+    static void Save(test::CX11Session& x11, unsigned long w, const char* name) { SaveDrawn(x11, w, name); }
+    // Frames until the shown one satisfies `done`, for at most a few seconds.
+    template <typename Done>
+    bool FramesUntil(Done done) {
+        for (auto end = std::chrono::steady_clock::now() + kWait; std::chrono::steady_clock::now() < end;) {
+            x().VDPOnVblankIn(), x().VDPOnVblankOut();
+            if (done()) return true;
+            std::this_thread::sleep_for(20ms);
+        }
+        return false;
+    }
+    bool Drawn(uint16_t colour) {
+        Frame();
+        return shown.At(80, 100) == ShapeColour(colour);
+    }
+
+    test::CX11Session x11;
+    unsigned long window = 0;
+    int threadsBefore = 0;
+};
+
+TEST_F(UiTest, TheWindowShowsEachFrameAsCapturedAndItsMenuAndKeysActOnIt) {
+    Frame(), Frame();
+    ASSERT_EQ(shown.At(80, 100), ShapeColour(kRed));
+    std::vector<uint8_t> onScreen;
+    int w = 0, h = 0;
+    ASSERT_TRUE(x11.Capture(PictureArea(), onScreen, w, h)) << x11.Error();
+    ASSERT_EQ(w * 1000 + h, kWidth * 1000 + kHeight);
+    int differing = 0;
+    for (size_t i = 0; i < shown.px.size(); ++i) {
+        const Rgba s = shown.px[i];
+        differing += s.r != onScreen[i * 4] || s.g != onScreen[i * 4 + 1] || s.b != onScreen[i * 4 + 2];
+    }
+    EXPECT_EQ(differing, 0) << "the window shows the captured frame, dot for dot";
+    Save(x11, window, "display-window.png");
+
+    // Rendering > Resolution > x 2 from the keyboard: applied at the next V-blank-out.
+    x11.Focus(window);
+    x11.Key("r", {"Alt_L"});
+    for (const char* key : {"Down", "Right", "Down", "Down", "Return"}) x11.Key(key);
+    EXPECT_TRUE(FramesUntil([&] { return x().GetDisplaySize(&w, &h), w == 640 && h == 448; }));
+    EXPECT_TRUE(x11.WaitForTitle(window, "Resolution: 640X448 (320X224X2.00)", kWait)) << x11.Title(window);
+    EXPECT_TRUE(x11.WaitForSize(PictureArea(), 640, 448, kWait));
+    Save(x11, window, "display-window-x2.png");
+
+    // F11: the whole screen, the picture in the middle between black bars; F11 again: back.
+    x11.Key("F11");
+    ASSERT_TRUE(x11.WaitForSize(window, 1280, 1024, kWait));
+    ASSERT_TRUE(FramesUntil([&] { return x11.Capture(window, onScreen, w, h) && onScreen[0] == 0 &&
+                                         onScreen[(512 * 1280 + 320) * 4] == 255; }))
+        << "black bar at the top, the red polygon in the middle";
+    Save(x11, window, "display-window-full-screen.png");
+    x11.Key("F11");
+    EXPECT_TRUE(x11.WaitForSize(window, 640, 448 + 25, kWait));
+
+    // F12: the next frame shown saved under screenshots/, as captured.
+    x11.Key("F12");
+    std::filesystem::path saved;
+    FramesUntil([&] {
+        for (const auto& e : std::filesystem::directory_iterator(".")) {
+            if (e.path().filename() != "screenshots") continue;
+            for (const auto& s : std::filesystem::directory_iterator(e.path())) saved = s.path();
+        }
+        return !saved.empty();
+    });
+    RgbaImage picture;
+    std::string error;
+    ASSERT_TRUE(ReadPng(saved.string(), picture, error)) << error;
+    EXPECT_EQ(picture.width * 1000 + picture.height, 640 * 1000 + 448);
+    EXPECT_EQ(picture.pixels[(200 * 640 + 160) * 4], 255) << "red in the saved frame";
+
+    // A second run opens a fresh window at the chosen scale; after shutdown no thread is left.
+    x().EmulationThreadStoping();
+    EXPECT_TRUE(x11.WaitForNoWindow("Resolution: 640X448 (320X224X2.00)", kWait));
+    x().EmulationThreadStarting();
+    window = x11.WaitForWindow("OpenGL display", kWait);
+    EXPECT_TRUE(x11.WaitForSize(PictureArea(), 640, 448, kWait));
+    x().EmulationThreadStoping(), x().DeInitPlugin(), initialised = false;
+    EXPECT_EQ(ThreadCount(), threadsBefore);
+}
+
+TEST_F(UiTest, TheControlPanelFromTheMenuOrTheHostSwitchesPartKindsForTheNextFrame) {
+    ASSERT_TRUE(FramesUntil([&] { return Drawn(kRed); }));
+    // Cache > (right) Control panel.
+    x11.Focus(window);
+    x11.Key("c", {"Alt_L"});
+    x11.Key("Right"), x11.Key("Return");
+    const unsigned long panel = x11.WaitForWindow(ui::kControlPanelTitle, kWait);
+    ASSERT_NE(panel, 0u);
+    Save(x11, panel, "control-panel.png");
+
+    int polygons = 0;  // the "Polygons" box, clicked where the panel lays it out
+    while (ui::kControlPanelBoxes[polygons].id != 1024) ++polygons;
+    const platform::panel::Rect box = platform::panel::BoxRect(polygons);
+    x11.Click(panel, box.x + 8, box.y + box.h / 2);
+    EXPECT_TRUE(FramesUntil([&] { return !Drawn(kRed) && !Drawn(kGreen); })) << "no polygon drawn";
+
+    // Closed with Escape; the host's setup call opens it again showing the box checked, once however often.
+    x11.Focus(panel);
+    x11.Key("Escape");
+    ASSERT_TRUE(x11.WaitForNoWindow(ui::kControlPanelTitle, kWait));
+    x().SetupPlugin(), x().SetupPlugin();
+    const unsigned long again = x11.WaitForWindow(ui::kControlPanelTitle, kWait);
+    ASSERT_NE(again, 0u);
+    x11.Click(again, box.x + 8, box.y + box.h / 2);
+    EXPECT_TRUE(FramesUntil([&] { return Drawn(kRed); })) << "unchecking brings the polygons back";
+    Save(x11, again, "control-panel-reopened.png");
+}
+
+TEST(UiAboutTest, TheAboutBoxWorksBeforeInitialisationAndLeavesNoThread) {
+    StartServer();
+    test::CX11Session x11;
+    ASSERT_TRUE(x11.Open());
+    CPluginLibrary library;
+    ASSERT_TRUE(library.Load(VDPGL_LIBRARY_PATH)) << library.Error();
+    const int threads = ThreadCount();
+    std::thread host([&] { library.Exports().DisplayPluginInfo(); });  // modal: returns once closed
+    const unsigned long about = x11.WaitForWindow("About", kWait);
+    ASSERT_NE(about, 0u);
+    SaveDrawn(x11, about, "about.png");
+    x11.Focus(about);
+    x11.Key("Return");
+    host.join();
+    EXPECT_EQ(ThreadCount(), threads);
+}
+
+}  // namespace
+}  // namespace vdpgl::host
