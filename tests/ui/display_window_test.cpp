@@ -6,7 +6,6 @@
 #include <dirent.h>
 
 #include <chrono>
-#include <cstring>
 #include <filesystem>
 #include <thread>
 
@@ -15,16 +14,16 @@
 #include "common/png_file.h"
 #include "platform/fltk/control_panel_layout.h"
 #include "ui/control_panel_presenter.h"
-#include "x11_session.h"
+#include "ui_server.h"
 
 namespace vdpgl::host {
 namespace {
 
 using namespace std::chrono_literals;
+using test::kWait;
 using test::Command;
 using test::kPolygonCmd;
 
-constexpr auto kWait = 5s;
 constexpr uint16_t kRed = 0x801F, kGreen = 0x83E0;
 
 int ThreadCount() {
@@ -38,35 +37,9 @@ Command Quad(uint16_t colr, int16_t x0, int16_t y0, int16_t x1, int16_t y1) {
             .xd = x0, .yd = y1};
 }
 
-// One server for the process, never stopped by the test: the plug-in's UI connection stays open until the process
-// ends, and a server gone before it would end the process from inside Xlib. It goes when the process does.
-void StartServer() {
-    static test::CXvfbServer* server = nullptr;
-    if (server) return;
-    unsetenv("VDPGL_HEADLESS");
-    server = new test::CXvfbServer;
-    ASSERT_TRUE(server->Start()) << server->Error();
-}
-
-// A screenshot for the record, once the window shows more than its background.
-void SaveDrawn(test::CX11Session& x11, unsigned long window, const char* name) {
-    std::vector<uint8_t> rgba;
-    int w = 0, h = 0;
-    for (auto end = std::chrono::steady_clock::now() + kWait; std::chrono::steady_clock::now() < end;) {
-        const auto differs = [&](size_t i) { return std::memcmp(rgba.data(), rgba.data() + i, 4) != 0; };
-        bool drawn = false;
-        if (x11.Capture(window, rgba, w, h))
-            for (size_t i = 4; i < rgba.size() && !drawn; i += 4) drawn = differs(i);
-        if (drawn)
-            break;
-        std::this_thread::sleep_for(20ms);
-    }
-    EXPECT_TRUE(x11.SavePng(window, std::string(VDPGL_UI_SCREENSHOTS "/") + name)) << x11.Error();
-}
-
 class UiTest : public HostFrameTest {
 protected:
-    static void SetUpTestSuite() { StartServer(); }
+    static void SetUpTestSuite() { test::StartServer(); }
 
     void SetUp() override {
         ASSERT_TRUE(x11.Open()) << x11.Error();
@@ -84,7 +57,7 @@ protected:
         const auto children = x11.Children(window);
         return children.empty() ? 0 : children.back();
     }
-    static void Save(test::CX11Session& x11, unsigned long w, const char* name) { SaveDrawn(x11, w, name); }
+    static void Save(test::CX11Session& x11, unsigned long w, const char* name) { test::SaveDrawn(x11, w, name); }
     // Frames until the shown one satisfies `done`, for at most a few seconds.
     template <typename Done>
     bool FramesUntil(Done done) {
@@ -121,9 +94,7 @@ TEST_F(UiTest, TheWindowShowsEachFrameAsCapturedAndItsMenuAndKeysActOnIt) {
     Save(x11, window, "display-window.png");
 
     // Rendering > Resolution > x 2 from the keyboard: applied at the next V-blank-out.
-    x11.Focus(window);
-    x11.Key("r", {"Alt_L"});
-    for (const char* key : {"Down", "Right", "Down", "Down", "Return"}) x11.Key(key);
+    test::ChooseScale2(x11, window);
     EXPECT_TRUE(FramesUntil([&] { return x().GetDisplaySize(&w, &h), w == 640 && h == 448; }));
     EXPECT_TRUE(x11.WaitForTitle(window, "Resolution: 640X448 (320X224X2.00)", kWait)) << x11.Title(window);
     EXPECT_TRUE(x11.WaitForSize(PictureArea(), 640, 448, kWait));
@@ -170,7 +141,7 @@ TEST_F(UiTest, TheControlPanelFromTheMenuOrTheHostSwitchesPartKindsForTheNextFra
     // Cache > (right) Control panel.
     x11.Focus(window);
     x11.Key("c", {"Alt_L"});
-    x11.Key("Right"), x11.Key("Return");
+    test::Type(x11, {"Right", "Return"});
     const unsigned long panel = x11.WaitForWindow(ui::kControlPanelTitle, kWait);
     ASSERT_NE(panel, 0u);
     Save(x11, panel, "control-panel.png");
@@ -193,8 +164,8 @@ TEST_F(UiTest, TheControlPanelFromTheMenuOrTheHostSwitchesPartKindsForTheNextFra
     Save(x11, again, "control-panel-reopened.png");
 }
 
-TEST(UiAboutTest, TheAboutBoxWorksBeforeInitialisationAndLeavesNoThread) {
-    StartServer();
+TEST(UiAboutTest, TheAboutBoxBeforeInitialisationAndThePanelWithoutADisplayWindowLeaveNoThread) {
+    test::StartServer();
     test::CX11Session x11;
     ASSERT_TRUE(x11.Open());
     CPluginLibrary library;
@@ -203,10 +174,18 @@ TEST(UiAboutTest, TheAboutBoxWorksBeforeInitialisationAndLeavesNoThread) {
     std::thread host([&] { library.Exports().DisplayPluginInfo(); });  // modal: returns once closed
     const unsigned long about = x11.WaitForWindow("About", kWait);
     ASSERT_NE(about, 0u);
-    SaveDrawn(x11, about, "about.png");
+    test::SaveDrawn(x11, about, "about.png");
     x11.Focus(about);
     x11.Key("Return");
     host.join();
+    EXPECT_EQ(ThreadCount(), threads);
+
+    // The host's setup call before any emulation run: the panel alone, gone with the plug-in.
+    ASSERT_TRUE(library.Exports().InitVDPPlugin(nullptr));
+    library.Exports().SetupPlugin();
+    EXPECT_NE(x11.WaitForWindow(ui::kControlPanelTitle, kWait), 0u);
+    library.Exports().DeInitPlugin();
+    EXPECT_TRUE(x11.WaitForNoWindow(ui::kControlPanelTitle, kWait));
     EXPECT_EQ(ThreadCount(), threads);
 }
 
