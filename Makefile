@@ -50,11 +50,13 @@ coverage: deps
 	gcovr --root . --filter 'src/' --print-summary $(BUILD)-coverage
 
 # The unit tests built with ThreadSanitizer: the threaded ones meet the
-# emulation thread as the editor and the control panel do.
+# emulation thread as the editor and the control panel do; and the UI tests,
+# where the UI thread, the emulation thread and the host's thread meet.
 test-tsan: deps
 	cmake -S . -B $(BUILD)-tsan -G Ninja -DCMAKE_BUILD_TYPE=Debug -DVDPGL_SANITIZE=thread
-	cmake --build $(BUILD)-tsan -j $(JOBS) --target vdpgl_unit_tests
+	cmake --build $(BUILD)-tsan -j $(JOBS) --target vdpgl_unit_tests vdpgl_ui_tests
 	$(BUILD)-tsan/tests/vdpgl_unit_tests --gtest_brief=1
+	$(BUILD)-tsan/tests/vdpgl_ui_tests --gtest_brief=1
 
 # Writes the demo traces and plays the scenes: the sprite showcase, the
 # backgrounds scene and the rotation scene, in the display window when there

@@ -29,8 +29,10 @@ DisplayWindow* OpenDisplayWindow(int width, int height, ui::CDisplayMenuTarget& 
 // Closes it and waits until it is gone; the pointer is dead afterwards.
 void CloseDisplayWindow(DisplayWindow* window);
 
-// Gives the picture area a new size and the window a new title; waits for it
-// (a second at most). In full screen the size is kept for the return.
+// Gives the picture area a new size and the window a new title, without
+// waiting: the UI thread may be inside a menu the user holds open, and the
+// frames shown meanwhile are scaled to the area as it is. In full screen the
+// size is kept for the return.
 void ResizeDisplayWindow(DisplayWindow* window, int width, int height, const std::string& title);
 
 }  // namespace vdpgl::platform

@@ -206,8 +206,7 @@ void ResizeDisplayWindow(DisplayWindow* window, int width, int height, const std
     RunOnUiThread(
         [window, width, height, title] {
             if (CDisplayWindowView* view = CDisplayWindowView::Find(window)) view->SetPictureSize(width, height, title);
-        },
-        std::chrono::seconds(1));
+        });
 }
 
 }  // namespace vdpgl::platform

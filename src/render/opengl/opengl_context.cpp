@@ -118,8 +118,8 @@ void COpenGl::ApplyPendingChanges() {
 void COpenGl::ChangeRenderingResolution() {
     log.Log("ChangeRenderingResolution\n");
     const int w = GetRenderingHRes(), h = GetRenderingVRes();
-    // The window's picture area takes the new size; this waits for the UI
-    // thread, so the next swap finds the surface at its new size.
+    // The window's picture area takes the new size on the UI thread; until
+    // it has, the frames are scaled to the area as it is.
     if (windowHandle)
         platform::ResizeDisplayWindow(static_cast<platform::DisplayWindow*>(windowHandle), w, h, WindowTitle());
     if (!context) return;
