@@ -98,6 +98,7 @@ bool InitVDPPlugin(void* record) {
     }
     // A second initialisation without DeInitPlugin starts afresh.
     if (plugin.renderer) {
+        vdpgl::StopDisplay();
         vdpgl::DestroyUserInterface();
         vdpgl::DestroyObjects();
     }
@@ -125,6 +126,9 @@ bool InitVDPPlugin(void* record) {
 
 void DeInitPlugin(void) {
     VDPGL_RECORD_EVENT(DeInitPlugin);
+    // A host that shuts down without stopping the emulation first: the
+    // context goes before its window does.
+    if (plugin.renderer) vdpgl::StopDisplay();
     vdpgl::DestroyUserInterface();
     vdpgl::DestroyObjects();
 }

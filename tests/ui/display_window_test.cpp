@@ -110,6 +110,9 @@ TEST_F(UiTest, TheWindowShowsEachFrameAsCapturedAndItsMenuAndKeysActOnIt) {
     Save(x11, window, "display-window-full-screen.png");
     x11.Key("F11");
     EXPECT_TRUE(x11.WaitForSize(window, 640, 448 + 25, kWait));
+    x11.Key("Escape");  // as the close box: the window stays
+    std::this_thread::sleep_for(200ms);
+    EXPECT_EQ(x11.Geometry(window).width, 640);
 
     // F12: the next frame shown saved under screenshots/, as captured.
     x11.Key("F12");
