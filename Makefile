@@ -55,8 +55,8 @@ coverage: deps
 test-tsan: deps
 	cmake -S . -B $(BUILD)-tsan -G Ninja -DCMAKE_BUILD_TYPE=Debug -DVDPGL_SANITIZE=thread
 	cmake --build $(BUILD)-tsan -j $(JOBS) --target vdpgl_unit_tests vdpgl_ui_tests
-	$(BUILD)-tsan/tests/vdpgl_unit_tests --gtest_brief=1
-	$(BUILD)-tsan/tests/vdpgl_ui_tests --gtest_brief=1
+	TSAN_OPTIONS="suppressions=$(CURDIR)/tests/tsan-suppressions.txt" $(BUILD)-tsan/tests/vdpgl_unit_tests --gtest_brief=1
+	TSAN_OPTIONS="suppressions=$(CURDIR)/tests/tsan-suppressions.txt" $(BUILD)-tsan/tests/vdpgl_ui_tests --gtest_brief=1
 
 # Writes the demo traces and plays the scenes: the sprite showcase, the
 # backgrounds scene and the rotation scene, in the display window when there
