@@ -11,6 +11,7 @@
 
 #include "common/consistency_check.h"
 #include "common/console_vram.h"
+#include "platform/message_box.h"
 #include "render/opengl/opengl.h"
 #include "vdp1/vdp1.h"
 #include "vdp1/vdp1_part.h"
@@ -332,17 +333,17 @@ CVdp1Texture* CVdp1CharacterPattern::GenerateTexture(const CVdp1SpritePart& part
     crc = static_cast<uint32_t>(sum);
 
     Vdp1ReplacementTexture replacement;
-    if (ReplacementTexturesEnabled() && FindReplacementTexture(part, replacement)) {
-        // Reading the set's image arrives with the texture sets; until then a
-        // matched pattern is decoded from VRAM, as an unreadable image is.
+    if (ReplacementTexturesEnabled() && FindReplacementTexture(part, replacement) && UseReplacement(replacement)) {
+        // The texture is the set's image, at the image's size.
+    } else {
+        textureWidth = TextureDimension(width);
+        textureHeight = TextureDimension(height);
+        uMax = textureWidth ? static_cast<float>(width) / static_cast<float>(textureWidth) : 0.0f;
+        vMax = textureHeight ? static_cast<float>(height) / static_cast<float>(textureHeight) : 0.0f;
+        PrepareTexels();
+        statics.log.Log("GenerateTexture: %d*%d (%d*%d)\n", width, height, textureWidth, textureHeight);
+        RunTextureDecoder(colorMode, part);
     }
-    textureWidth = TextureDimension(width);
-    textureHeight = TextureDimension(height);
-    uMax = textureWidth ? static_cast<float>(width) / static_cast<float>(textureWidth) : 0.0f;
-    vMax = textureHeight ? static_cast<float>(height) / static_cast<float>(textureHeight) : 0.0f;
-    PrepareTexels();
-    statics.log.Log("GenerateTexture: %d*%d (%d*%d)\n", width, height, textureWidth, textureHeight);
-    RunTextureDecoder(colorMode, part);
 
     uint32_t id = 0;
     if (statics.renderer) statics.renderer->CreateVdp1Texture(textureHeight, textureWidth, texels, &id);
@@ -350,6 +351,38 @@ CVdp1Texture* CVdp1CharacterPattern::GenerateTexture(const CVdp1SpritePart& part
     CVdp1Texture* texture = FileTexture(part, id, false);
     MapInTable();
     return texture;
+}
+
+bool CVdp1CharacterPattern::UseReplacement(const Vdp1ReplacementTexture& replacement) {
+    std::string error;
+    const std::shared_ptr<const ReplacementPicture> picture = statics.images.Get(replacement.fileName, error);
+    // An image that cannot be read is said once; the pattern is decoded from
+    // VRAM instead.
+    if (!error.empty())
+        platform::PostMessageBox("Replacement texture", (error + "; the game's own texture is drawn").c_str(),
+                                 platform::MessageIcon::Exclamation);
+    if (!picture) return false;
+    textureWidth = TextureDimension(picture->width);
+    textureHeight = TextureDimension(picture->height);
+    uMax = static_cast<float>(picture->width) / static_cast<float>(textureWidth);
+    vMax = static_cast<float>(picture->height) / static_cast<float>(textureHeight);
+    PrepareTexels();
+    // The image's rows, then the padding cleared as for a decoded pattern.
+    allBlack = 1;
+    for (int32_t y = 0; y < textureHeight; ++y) {
+        uint32_t* row = texels + static_cast<size_t>(y) * static_cast<size_t>(textureWidth);
+        if (y < picture->height) {
+            const uint32_t* from = picture->texels.data() + static_cast<size_t>(y) * static_cast<size_t>(picture->width);
+            std::copy(from, from + picture->width, row);
+            std::fill(row + picture->width, row + textureWidth, 0u);
+            for (int32_t x = 0; x < picture->width && allBlack; ++x) allBlack = from[x] == kOpaqueBlack;
+        } else {
+            std::fill(row, row + textureWidth, 0u);
+        }
+    }
+    statics.log.Log("GenerateTexture: replacement %s, %d*%d\n", replacement.fileName.c_str(), picture->width,
+                    picture->height);
+    return true;
 }
 
 void CVdp1CharacterPattern::MapInTable() {

@@ -30,6 +30,7 @@
 #include <vector>
 
 #include "common/module_log.h"
+#include "vdp1/vdp1_character_pattern/replacement_image.h"
 #include "vdp1/vdp1_character_pattern/vdp1_texture_store.h"
 
 namespace vdpgl {
@@ -79,6 +80,8 @@ public:
     static void DisableReplacementTextures();
     static bool ReplacementTexturesEnabled() { return statics.replacementTexturesEnabled.load(std::memory_order_acquire); }
     static const uint32_t* Rgb555ToRgba() { return statics.rgb555ToRgba; }
+    // The decoded replacement images, kept by path.
+    static CReplacementImages& ReplacementImages() { return statics.images; }
     // Power-of-two texture size for a used size (0 stays 0).
     static int32_t TextureDimension(int32_t used);
     // Pixel data bytes of a pattern of this size in this colour mode.
@@ -186,6 +189,9 @@ private:
     CVdp1Texture* FileTexture(const CVdp1SpritePart& part, uint32_t id, bool adding);
     void MapInTable();
     void PrepareTexels();
+    // The texels and texture size from the replacement's image; false when
+    // it cannot be read (said once).
+    bool UseReplacement(const Vdp1ReplacementTexture& replacement);
     static uint32_t TextureKey(const CVdp1SpritePart& part);
     // The part's character is this pattern: same address, size and mode.
     bool HoldsCharacterOf(const CVdp1SpritePart& part) const;
@@ -216,6 +222,7 @@ private:
         std::vector<Vdp1ReplacementTexture> replacementTextures;
         std::vector<uint32_t> texelBuffer;  // reused by every decode
         CVdp1TextureStore textures;
+        CReplacementImages images;
         std::vector<CVdp1CharacterPattern*> retired;
         bool ceilingReported = false;
         CModuleLog log;
