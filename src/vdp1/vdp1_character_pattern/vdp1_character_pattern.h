@@ -31,6 +31,7 @@
 
 #include "common/module_log.h"
 #include "vdp1/vdp1_character_pattern/replacement_image.h"
+#include "vdp1/vdp1_character_pattern/replacement_texture.h"
 #include "vdp1/vdp1_character_pattern/vdp1_texture_store.h"
 
 namespace vdpgl {
@@ -40,14 +41,6 @@ class CConsoleVram;
 class CVdp1;
 class CVdp1SpritePart;
 class CVdp2;
-
-// One texture of a replacement set: the TIFF file that stands for every
-// pattern with this CRC drawn with this CMDCOLR.
-struct Vdp1ReplacementTexture {
-    std::string fileName;
-    uint32_t crc = 0;
-    uint32_t colorCtrl = 0;
-};
 
 // Result of comparing a cached pattern with a part that uses its address.
 enum Vdp1PatternMatch : int { kPatternEqual = 0, kPatternOtherPalette = 1, kPatternOtherPart = 2 };
