@@ -66,6 +66,14 @@ typedef struct VdpglCacheCounters {
 } VdpglCacheCounters;
 VDPGL_EXPORT int GetCacheCounters(VdpglCacheCounters* counters);
 
+/* Loads the replacement texture set of this name (a folder under
+ * replacement_texture_set/ in the directory of InitVDPPlugin), replacing the
+ * loaded set and its unsaved changes, and activates it: from the next frame,
+ * every VDP1 pattern it names is drawn with its image. Returns 1, or 0 when
+ * the folder does not exist or holds no readable INI file (then nothing
+ * changes). A null name deactivates the active set. Any thread. */
+VDPGL_EXPORT int ActivateTextureSet(const char* name);
+
 /* Memory and register ports. Addresses are masked by each memory's size. */
 VDPGL_EXPORT void WriteByteVDP1FrameBuffer(uint32_t address, uint8_t value);
 VDPGL_EXPORT void WriteWordVDP1FrameBuffer(uint32_t address, uint16_t value);

@@ -10,6 +10,7 @@
 
 #include "plugin/plugin_state.h"
 #include "plugin/plugin_texts.h"
+#include "plugin/texture_sets.h"
 #include "plugin/trace_recorder.h"
 #include "plugin/user_interface.h"
 #include "render/opengl/opengl.h"
@@ -121,6 +122,7 @@ bool InitVDPPlugin(void* record) {
     const std::filesystem::path folder = std::filesystem::current_path(ec) / vdpgl::kReplacementFolderName;
     plugin.replacementTextureSetPath = folder.string();
     std::filesystem::create_directory(folder, ec);  // an existing folder or a failure is not reported
+    vdpgl::CreateTextureSets();
     return true;
 }
 
@@ -130,6 +132,7 @@ void DeInitPlugin(void) {
     // context goes before its window does.
     if (plugin.renderer) vdpgl::StopDisplay();
     vdpgl::DestroyUserInterface();
+    vdpgl::DestroyTextureSets();
     vdpgl::DestroyObjects();
 }
 

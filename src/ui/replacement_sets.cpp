@@ -252,7 +252,7 @@ bool CReplacementSets::Add(const std::string& imagePath) {
     return true;
 }
 
-bool CReplacementSets::Delete(size_t index) {
+bool CReplacementSets::HasEntry(size_t index) {
     if (!IsLoaded()) {
         Error(kNotLoaded);
         return false;
@@ -261,6 +261,11 @@ bool CReplacementSets::Delete(size_t index) {
         Error(kNoEntry);
         return false;
     }
+    return true;
+}
+
+bool CReplacementSets::Delete(size_t index) {
+    if (!HasEntry(index)) return false;
     const TextureAssociation& entry = associations[index];
     std::error_code ec;
     for (const std::string* file : {&entry.name, &entry.replacedTexture})
@@ -276,14 +281,7 @@ std::string CReplacementSets::DumpName(const std::string& imageName) {
 }
 
 bool CReplacementSets::Associate(size_t index, const PatternSnapshot& pattern) {
-    if (!IsLoaded()) {
-        Error(kNotLoaded);
-        return false;
-    }
-    if (index >= associations.size()) {
-        Error(kNoEntry);
-        return false;
-    }
+    if (!HasEntry(index)) return false;
     if (pattern.width <= 0 || pattern.height <= 0 ||
         pattern.rgba.size() != static_cast<size_t>(pattern.width) * static_cast<size_t>(pattern.height)) {
         Error(kNoPattern);

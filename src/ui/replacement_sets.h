@@ -94,6 +94,8 @@ public:
     static std::string DumpName(const std::string& imageName);
 
 private:
+    // A loaded set and an entry at this index, else the message that says which is missing.
+    bool HasEntry(size_t index);
     bool CheckNewSet(const std::string& name);
     void Clear();
     bool WriteIni(const std::string& set) const;

@@ -225,6 +225,7 @@ uint16_t CVdp1::ReadRegister(uint32_t address) {
 }
 
 Vdp1FrameActions CVdp1::FrameControl() {
+    CVdp1CharacterPattern::CheckReplacementFiles();
     if (clearCacheRequested.exchange(false, std::memory_order_acq_rel)) ClearPatternCache();
 
     // VDP2 doubles the picture in its interlaced and doubled-height modes;

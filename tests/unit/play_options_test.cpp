@@ -20,6 +20,7 @@ TEST(PlayOptionsTest, ValuesAfterAnEqualsSignAndMistakesNamed) {
                          o->scaleGiven, o->headless, o->rotationSampling, o->fast, o->loop),
               std::tuple(30L, "d", 5L, 2.5f, "p.so", "-", true, true, false, "screen", true, false));
     EXPECT_TRUE(ParsePlayOptions({"--loop", "a.trace"}, error)->loop);
+    EXPECT_EQ(ParsePlayOptions({"--texture-set=pack", "a.trace"}, error)->textureSet, "pack");
     EXPECT_TRUE(ParsePlayOptions({"--help"}, error)->help) << "help needs no trace";
     const struct { std::vector<std::string> arguments; const char* message; } cases[] = {
         {{}, "no trace given"}, {{"--frames"}, "--frames needs a value"},
@@ -28,7 +29,8 @@ TEST(PlayOptionsTest, ValuesAfterAnEqualsSignAndMistakesNamed) {
         {{"--scale", "2x", "a"}, "--scale must be one of"}, {{"--quick", "a"}, "unknown option --quick"},
         {{"a", "-"}, "one trace at a time"}, {{"--rotation-sampling", "fine", "a"}, "grid or screen"},
         {{"--loop", "-"}, "--loop needs a trace file"},
-        {{"--scale", "1.5", "a"}, "--scale must be one of"}};
+        {{"--scale", "1.5", "a"}, "--scale must be one of"},
+        {{"--texture-set", "../x", "a"}, "--texture-set needs the name of a set"}};
     for (const auto& c : cases) {
         EXPECT_FALSE(ParsePlayOptions(c.arguments, error));
         EXPECT_NE(error.find(c.message), std::string::npos) << error;

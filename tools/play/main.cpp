@@ -91,6 +91,18 @@ int main(int argc, char** argv) {
     if (options->scaleGiven) setenv("VDPGL_SCALE", std::to_string(options->scale).c_str(), 1);
     // Frames depend on the flags alone, not on a setting the shell passed on.
     setenv("VDPGL_ROTATION_SAMPLING", options->rotationSampling.c_str(), 1);
+    unsetenv("VDPGL_TEXTURE_SET");
+    if (!options->textureSet.empty()) {
+        // The plug-in looks for sets under the directory it starts in: this one.
+        const std::filesystem::path ini = std::filesystem::path("replacement_texture_set") / options->textureSet /
+                                          (options->textureSet + ".ini");
+        if (std::error_code ec; !std::filesystem::is_regular_file(ini, ec)) {
+            std::fprintf(stderr, "vdpgl-play: no texture set \"%s\": %s does not exist\n", options->textureSet.c_str(),
+                         ini.c_str());
+            return kBadUsage;
+        }
+        setenv("VDPGL_TEXTURE_SET", options->textureSet.c_str(), 1);
+    }
 
     vdpgl::host::CPluginLibrary library;
     const std::string pluginPath = options->pluginPath.empty() ? DefaultPluginPath() : options->pluginPath;

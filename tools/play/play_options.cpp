@@ -18,6 +18,7 @@ std::string Usage() {
            "  --scale S           rendering scale: " + RenderingScaleList() + "\n"
            "  --rotation-sampling grid|screen\n"
            "                      rotation planes on the 256 x 256 grid (default) or per screen dot\n"
+           "  --texture-set NAME  draw with the replacement texture set NAME (replacement_texture_set/NAME/)\n"
            "  --bench             report frames per second and frame times (plays as fast as it can)\n"
            "  --fast              do not pace a windowed replay at the console's 60 frames a second\n"
            "  --loop              start the trace again at its end, until Ctrl-C\n"
@@ -101,6 +102,14 @@ std::optional<PlayOptions> ParsePlayOptions(const std::vector<std::string>& argu
                 return std::nullopt;
             }
             options.rotationSampling = value;
+        } else if (name == "--texture-set") {
+            if (!takeValue()) return std::nullopt;
+            if (value.empty() || value.find('/') != std::string::npos || value == "." || value == "..") {
+                error = "--texture-set needs the name of a set (a folder in replacement_texture_set/), not \"" +
+                        value + "\"";
+                return std::nullopt;
+            }
+            options.textureSet = value;
         } else if (a.rfind("-", 0) == 0 && a != "-") {
             error = "unknown option " + a;
             return std::nullopt;

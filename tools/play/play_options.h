@@ -16,6 +16,7 @@ struct PlayOptions {
     float scale = 1.0f;
     bool scaleGiven = false;
     std::string rotationSampling = "grid";  // "grid" or "screen"
+    std::string textureSet;  // a replacement texture set to activate; empty: none
     bool bench = false;
     bool fast = false;  // no pacing at the console's frame rate (--bench implies it)
     bool loop = false;  // start the trace again at its end

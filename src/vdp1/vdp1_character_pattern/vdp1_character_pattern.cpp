@@ -7,11 +7,13 @@
 #include <algorithm>
 #include <bit>
 #include <cstdio>
+#include <filesystem>
 #include <mutex>
 
 #include "common/consistency_check.h"
 #include "common/console_vram.h"
 #include "platform/message_box.h"
+#include "vdp1/vdp1_character_pattern/texture_dump.h"
 #include "render/opengl/opengl.h"
 #include "vdp1/vdp1.h"
 #include "vdp1/vdp1_part.h"
@@ -114,6 +116,47 @@ void CVdp1CharacterPattern::EnableReplacementTextures(const std::vector<Vdp1Repl
     }
     statics.vdp1->RequestCacheClear();
     statics.replacementTexturesEnabled.store(true, std::memory_order_release);
+}
+
+void CVdp1CharacterPattern::CheckReplacementFiles() {
+    if (!ReplacementTexturesEnabled() || !statics.vdp1) return;
+    if (statics.replacementCheckCountdown-- > 0) return;
+    statics.replacementCheckCountdown = 29;
+    bool changed = false;
+    {
+        std::lock_guard lock(statics.vdp1->cacheMutex);
+        for (const Vdp1ReplacementTexture& entry : statics.replacementTextures)
+            if ((changed = statics.images.Changed(entry.fileName))) break;
+    }
+    if (changed) statics.vdp1->RequestCacheClear();
+}
+
+void CVdp1CharacterPattern::SetHarvestFolder(const std::string& folder) {
+    statics.harvestFolder = folder;
+    statics.harvested.clear();
+    statics.harvestFailed = false;
+    if (folder.empty()) return;
+    std::error_code ec;
+    std::filesystem::create_directories(folder, ec);
+}
+
+void CVdp1CharacterPattern::Harvest() {
+    if (statics.harvestFolder.empty() || statics.harvestFailed || width <= 0 || height <= 0) return;
+    if (!statics.harvested.insert(uint64_t{crc} << 32 | colorCtrl).second) return;
+    char name[32];
+    std::snprintf(name, sizeof name, "%08X_%08X.tif", crc, colorCtrl);
+    const std::string path = (std::filesystem::path(statics.harvestFolder) / name).string();
+    std::error_code ec;
+    if (std::filesystem::exists(path, ec)) return;  // from an earlier run
+    statics.harvestBuffer.assign(static_cast<size_t>(width) * static_cast<size_t>(height), 0u);
+    GetImage(statics.harvestBuffer.data());
+    std::string error;
+    if (!WriteTextureDump(path, statics.harvestBuffer.data(), width, height, error)) {
+        // Said once; the harvest stops, the emulation goes on.
+        statics.harvestFailed = true;
+        platform::PostMessageBox("Texture harvest", (error + "; no more textures are dumped").c_str(),
+                                 platform::MessageIcon::Error);
+    }
 }
 
 void CVdp1CharacterPattern::DisableReplacementTextures() {
@@ -343,6 +386,7 @@ CVdp1Texture* CVdp1CharacterPattern::GenerateTexture(const CVdp1SpritePart& part
         PrepareTexels();
         statics.log.Log("GenerateTexture: %d*%d (%d*%d)\n", width, height, textureWidth, textureHeight);
         RunTextureDecoder(colorMode, part);
+        Harvest();
     }
 
     uint32_t id = 0;

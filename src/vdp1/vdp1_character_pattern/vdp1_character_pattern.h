@@ -27,6 +27,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 #include "common/module_log.h"
@@ -71,6 +72,13 @@ public:
     // so that every pattern is generated anew with or without them.
     static void EnableReplacementTextures(const std::vector<Vdp1ReplacementTexture>& textures);
     static void DisableReplacementTextures();
+    // While a set is active, at every 30th call (one a frame): an image
+    // saved over since it was read clears the cache, so that it shows
+    // within about half a second without activating the set again.
+    static void CheckReplacementFiles();
+    // VDPGL_DUMP_TEXTURES: every pattern newly decoded from VRAM is dumped
+    // once into this folder as <CRC>_<CMDCOLR>.tif (empty: no harvest).
+    static void SetHarvestFolder(const std::string& folder);
     static bool ReplacementTexturesEnabled() { return statics.replacementTexturesEnabled.load(std::memory_order_acquire); }
     static const uint32_t* Rgb555ToRgba() { return statics.rgb555ToRgba; }
     // The decoded replacement images, kept by path.
@@ -182,6 +190,7 @@ private:
     CVdp1Texture* FileTexture(const CVdp1SpritePart& part, uint32_t id, bool adding);
     void MapInTable();
     void PrepareTexels();
+    void Harvest();
     // The texels and texture size from the replacement's image; false when
     // it cannot be read (said once).
     bool UseReplacement(const Vdp1ReplacementTexture& replacement);
@@ -216,6 +225,11 @@ private:
         std::vector<uint32_t> texelBuffer;  // reused by every decode
         CVdp1TextureStore textures;
         CReplacementImages images;
+        uint32_t replacementCheckCountdown = 0;
+        std::string harvestFolder;
+        std::unordered_set<uint64_t> harvested;  // (CRC << 32) | CMDCOLR
+        std::vector<uint32_t> harvestBuffer;
+        bool harvestFailed = false;
         std::vector<CVdp1CharacterPattern*> retired;
         bool ceilingReported = false;
         CModuleLog log;

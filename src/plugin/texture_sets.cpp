@@ -1,0 +1,75 @@
+// Replacement texture sets as hosts reach them: the environment at
+// initialisation and the ActivateTextureSet export.
+#include "plugin/texture_sets.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <mutex>
+#include <string>
+
+#include "platform/message_box.h"
+#include "plugin/plugin_state.h"
+#include "ui/replacement_sets.h"
+#include "vdp1/vdp1_character_pattern/vdp1_character_pattern.h"
+#include "vdpgl/vdpgl.h"
+
+namespace vdpgl {
+
+namespace {
+
+// The set operations' refusals, shown without holding up the caller.
+class CMessageBoxSink final : public ui::CMessageSink {
+public:
+    void Message(const char* title, const char* text) override {
+        platform::PostMessageBox(title, text, platform::MessageIcon::Error);
+    }
+};
+
+struct TextureSets {
+    CMessageBoxSink sink;
+    std::unique_ptr<ui::CReplacementSets> sets;
+};
+
+// The editor (UI thread) and the export (any thread) share the loaded set.
+std::mutex setsMutex;
+TextureSets* textureSets = nullptr;
+
+int Activate(const char* name) {
+    std::lock_guard lock(setsMutex);
+    if (!textureSets) return 0;
+    if (!name) {
+        CVdp1CharacterPattern::DisableReplacementTextures();
+        return 1;
+    }
+    if (!textureSets->sets->Load(name)) return 0;
+    CVdp1CharacterPattern::EnableReplacementTextures(textureSets->sets->ActivationList());
+    return 1;
+}
+
+}  // namespace
+
+void CreateTextureSets() {
+    DestroyTextureSets();
+    {
+        std::lock_guard lock(setsMutex);
+        textureSets = new TextureSets;
+        textureSets->sets = std::make_unique<ui::CReplacementSets>(plugin.replacementTextureSetPath, textureSets->sink);
+    }
+    const char* harvest = std::getenv("VDPGL_DUMP_TEXTURES");
+    CVdp1CharacterPattern::SetHarvestFolder(harvest ? harvest : "");
+    if (const char* set = std::getenv("VDPGL_TEXTURE_SET"); set && *set && !Activate(set))
+        std::fprintf(stderr, "vdpgl: VDPGL_TEXTURE_SET=%s: no such set in \"%s\" (a folder holding %s.ini); no set "
+                             "is active\n",
+                     set, plugin.replacementTextureSetPath.c_str(), set);
+}
+
+void DestroyTextureSets() {
+    std::lock_guard lock(setsMutex);
+    delete textureSets;
+    textureSets = nullptr;
+}
+
+}  // namespace vdpgl
+
+extern "C" int ActivateTextureSet(const char* name) { return vdpgl::Activate(name); }
