@@ -65,6 +65,7 @@ void CreateTextureSets() {
 }
 
 void DestroyTextureSets() {
+    CVdp1CharacterPattern::ReplacementImages().StopPreload();
     std::lock_guard lock(setsMutex);
     delete textureSets;
     textureSets = nullptr;

@@ -137,6 +137,32 @@ bool CReplacementImages::StampOf(const std::string& path, Stamp& stamp) {
 }
 
 std::shared_ptr<const ReplacementPicture> CReplacementImages::Get(const std::string& path, std::string& error) {
+    return Fetch(path, error, true);
+}
+
+void CReplacementImages::Preload(std::vector<std::string> paths) {
+    StopPreload();
+    stopPreload = false;
+    preloader = std::thread([this, paths = std::move(paths)] {
+        std::string ignored;
+        for (const std::string& path : paths) {
+            if (stopPreload) return;
+            {
+                std::lock_guard lock(mutex);
+                if (bytes >= budget - budget / 8) return;  // room left for what the frames ask
+            }
+            Fetch(path, ignored, false);
+        }
+    });
+}
+
+void CReplacementImages::StopPreload() {
+    stopPreload = true;
+    if (preloader.joinable()) preloader.join();
+}
+
+std::shared_ptr<const ReplacementPicture> CReplacementImages::Fetch(const std::string& path, std::string& error,
+                                                                    bool report) {
     error.clear();
     Stamp stamp;
     const bool exists = StampOf(path, stamp);
@@ -160,6 +186,7 @@ std::shared_ptr<const ReplacementPicture> CReplacementImages::Get(const std::str
     if (!exists) failure = "\"" + path + "\" cannot be opened";
     // A file being written, or broken: said once, and the last good picture stays.
     std::lock_guard lock(mutex);
+    if (!report) return last;
     if (reported.size() > 1024) reported.clear();  // bounded: at worst a message comes again
     if (reported.insert(path + "@" + std::to_string(stamp.modified) + "/" + std::to_string(stamp.size)).second)
         error = failure;

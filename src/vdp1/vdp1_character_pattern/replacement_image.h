@@ -8,11 +8,13 @@
 // read its file again, and a file saved over is read anew. Its memory is
 // bounded: pictures not asked for the longest are let go first. It is
 // guarded: the emulation thread asks, a preloading thread may fill.
+#include <atomic>
 #include <cstdint>
 #include <list>
 #include <memory>
 #include <mutex>
 #include <string>
+#include <thread>
 #include <unordered_map>
 #include <unordered_set>
 #include <vector>
@@ -34,6 +36,19 @@ bool ReadReplacementImage(const std::string& path, ReplacementPicture& picture, 
 class CReplacementImages {
 public:
     static constexpr uint64_t kDefaultBudget = uint64_t{64} << 20;
+
+    CReplacementImages() = default;
+    ~CReplacementImages() { StopPreload(); }
+    CReplacementImages(const CReplacementImages&) = delete;
+    CReplacementImages& operator=(const CReplacementImages&) = delete;
+
+    // Reads these files into the kept pictures on a thread of its own, in
+    // order, until the budget is nearly full, so that a replaced texture's
+    // first appearance does not wait for its file. A preload running is
+    // stopped first. Failures are left for Get to say.
+    void Preload(std::vector<std::string> paths);
+    // Stops a preload and waits for its thread.
+    void StopPreload();
 
     // The picture of this file as it is now on disk: the kept one when the
     // file has not changed, else read anew. A file that cannot be read
@@ -59,6 +74,7 @@ private:
         std::list<std::string>::iterator use;
     };
     static bool StampOf(const std::string& path, Stamp& stamp);
+    std::shared_ptr<const ReplacementPicture> Fetch(const std::string& path, std::string& error, bool report);
     void Keep(const std::string& path, std::shared_ptr<const ReplacementPicture> picture, const Stamp& stamp);
     void Trim();
 
@@ -68,6 +84,8 @@ private:
     std::unordered_set<std::string> reported;  // "path@stamp" of failures said already
     uint64_t bytes = 0;
     uint64_t budget = kDefaultBudget;
+    std::thread preloader;
+    std::atomic<bool> stopPreload{false};
 };
 
 }  // namespace vdpgl

@@ -116,6 +116,10 @@ void CVdp1CharacterPattern::EnableReplacementTextures(const std::vector<Vdp1Repl
     }
     statics.vdp1->RequestCacheClear();
     statics.replacementTexturesEnabled.store(true, std::memory_order_release);
+    std::vector<std::string> paths;
+    paths.reserve(textures.size());
+    for (const Vdp1ReplacementTexture& entry : textures) paths.push_back(entry.fileName);
+    statics.images.Preload(std::move(paths));
 }
 
 void CVdp1CharacterPattern::CheckReplacementFiles() {
@@ -160,6 +164,7 @@ void CVdp1CharacterPattern::Harvest() {
 }
 
 void CVdp1CharacterPattern::DisableReplacementTextures() {
+    statics.images.StopPreload();
     if (!statics.vdp1) return;
     {
         std::lock_guard lock(statics.vdp1->cacheMutex);
