@@ -194,11 +194,15 @@ std::shared_ptr<const ReplacementPicture> CReplacementImages::Fetch(const std::s
 }
 
 bool CReplacementImages::Changed(const std::string& path) {
+    Stamp kept;
+    {
+        std::lock_guard lock(mutex);
+        const auto it = entries.find(path);
+        if (it == entries.end()) return false;  // never read: nothing to look at on disk
+        kept = it->second.stamp;
+    }
     Stamp stamp;
-    const bool exists = StampOf(path, stamp);
-    std::lock_guard lock(mutex);
-    const auto it = entries.find(path);
-    return it != entries.end() && exists && !(it->second.stamp == stamp);
+    return StampOf(path, stamp) && !(stamp == kept);
 }
 
 void CReplacementImages::Keep(const std::string& path, std::shared_ptr<const ReplacementPicture> picture,
