@@ -74,6 +74,12 @@ VDPGL_EXPORT int GetCacheCounters(VdpglCacheCounters* counters);
  * changes). A null name deactivates the active set. Any thread. */
 VDPGL_EXPORT int ActivateTextureSet(const char* name);
 
+/* Opens one of the plug-in's dialogs as its menu or control panel would:
+ * "panel" (the control panel) or "viewer" (the VDP2 background viewer).
+ * Returns 1, or 0 for another name, before InitVDPPlugin, or without a
+ * display. Any thread; it does not wait for the dialog. */
+VDPGL_EXPORT int OpenDialog(const char* name);
+
 /* Memory and register ports. Addresses are masked by each memory's size. */
 VDPGL_EXPORT void WriteByteVDP1FrameBuffer(uint32_t address, uint8_t value);
 VDPGL_EXPORT void WriteWordVDP1FrameBuffer(uint32_t address, uint16_t value);

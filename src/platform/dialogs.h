@@ -3,9 +3,12 @@
 // instance at a time: its handle (the plug-in's) is set while it is open and
 // emptied when it closes.
 #include <atomic>
+#include <memory>
+#include <string>
 
 namespace vdpgl::ui {
 class CControlPanelTarget;
+struct BackgroundPicture;
 }
 
 namespace vdpgl::platform {
@@ -13,5 +16,13 @@ namespace vdpgl::platform {
 // Opens the control panel ("VDP plugin control"), or raises it when it is
 // open already. Any thread; does not wait. False when no UI thread runs.
 bool OpenControlPanel(ui::CControlPanelTarget& target, std::atomic<void*>& handle);
+
+// Opens the VDP2 background viewer, or raises it. Any thread; does not wait.
+bool OpenBackgroundViewer(std::atomic<void*>& handle);
+// What the emulation thread read for the open viewer at the end of a frame:
+// the information text and, after "View", the picture (null: none new).
+// Does not wait; a viewer closed meanwhile ignores it.
+void UpdateBackgroundViewer(std::atomic<void*>& handle, std::string information,
+                            std::shared_ptr<const ui::BackgroundPicture> picture);
 
 }  // namespace vdpgl::platform

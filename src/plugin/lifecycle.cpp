@@ -180,6 +180,7 @@ void VDPOnVblankOut(void) {
     plugin.renderer->ApplyPendingChanges();
     plugin.vdp2->OnVblankOut();
     plugin.vdp1->Frame();
+    vdpgl::ServeBackgroundViewer();
 }
 
 void VDPOnHblankIn(void) {

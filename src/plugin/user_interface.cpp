@@ -12,6 +12,7 @@
 #include "plugin/plugin_state.h"
 #include "render/opengl/opengl.h"
 #include "ui/chip_targets.h"
+#include "vdpgl/vdpgl.h"
 
 namespace vdpgl {
 
@@ -37,7 +38,8 @@ void CreateUserInterface() {
     u.openers.controlPanel = [] {
         if (userInterface) platform::OpenControlPanel(*userInterface->panel, plugin.controlPanelDialog);
     };
-    // The texture editor and the background viewer open from here once they exist.
+    u.openers.backgroundViewer = [] { platform::OpenBackgroundViewer(plugin.backgroundViewerDialog); };
+    // The texture editor opens from here once it exists.
     u.menu = std::make_unique<ui::CChipMenuTarget>(*plugin.renderer, *plugin.vdp1, *plugin.vdp2, u.openers);
     u.panel = std::make_unique<ui::CChipPanelTarget>(*plugin.vdp1, *plugin.vdp2, u.openers);
 }
@@ -47,6 +49,7 @@ void DestroyUserInterface() {
     platform::StopUiThread();
     plugin.displayWindow.store(nullptr);
     plugin.controlPanelDialog.store(nullptr);
+    plugin.backgroundViewerDialog.store(nullptr);
     delete userInterface;
     userInterface = nullptr;
 }
@@ -80,6 +83,17 @@ void StopDisplay() {
     platform::CloseDisplayWindow(window);
 }
 
+void ServeBackgroundViewer() {
+    if (!plugin.backgroundViewerDialog.load() || !plugin.vdp2) return;
+    ui::CChipBackgroundSource source(*plugin.vdp2);
+    static std::string information;  // kept: no allocation a frame once it has grown
+    static ui::BackgroundPicture picture;
+    std::shared_ptr<const ui::BackgroundPicture> shown;
+    if (ui::CBackgroundViewerPresenter::Serve(source, information, picture))
+        shown = std::make_shared<const ui::BackgroundPicture>(std::move(picture));
+    platform::UpdateBackgroundViewer(plugin.backgroundViewerDialog, information, std::move(shown));
+}
+
 void OpenControlPanelForHost() {
     if (!userInterface) {
         std::fprintf(stderr, "vdpgl: the control panel opens once the plug-in is initialised\n");
@@ -93,3 +107,18 @@ void OpenControlPanelForHost() {
 }
 
 }  // namespace vdpgl
+
+namespace vdpgl {
+
+bool OpenDialogByName(const char* name) {
+    if (!userInterface || !name || platform::IsHeadless() || !platform::StartUiThread(true)) return false;
+    const std::string which = name;
+    if (which == "panel") userInterface->openers.controlPanel();
+    else if (which == "viewer") userInterface->openers.backgroundViewer();
+    else return false;
+    return true;
+}
+
+}  // namespace vdpgl
+
+extern "C" int OpenDialog(const char* name) { return vdpgl::OpenDialogByName(name) ? 1 : 0; }

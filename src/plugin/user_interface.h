@@ -14,7 +14,13 @@ void DestroyUserInterface();
 void StartDisplay();
 void StopDisplay();
 
+// At the end of each frame, on the emulation thread: what the open
+// background viewer shows, read while the backgrounds stand still.
+void ServeBackgroundViewer();
+
 // The host's setup call: the control panel, whether or not a display window exists.
 void OpenControlPanelForHost();
+// A dialog by name ("panel", "viewer"); false when it cannot open.
+bool OpenDialogByName(const char* name);
 
 }  // namespace vdpgl

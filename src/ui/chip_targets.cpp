@@ -1,5 +1,7 @@
 #include "ui/chip_targets.h"
 
+#include <algorithm>
+
 #include "render/opengl/opengl.h"
 #include "vdp1/vdp1.h"
 #include "vdp1/vdp1_character_pattern/vdp1_character_pattern.h"
@@ -50,6 +52,23 @@ void CChipPanelTarget::OpenBackgroundViewer() { Open(openers.backgroundViewer); 
 bool CChipPanelTarget::GetCacheCounters(VdpglCacheCounters& counters) const {
     ReadCacheCounters(vdp2, counters);
     return true;
+}
+
+std::string CChipBackgroundSource::Information(int background) { return vdp2.GetBackgroundInformation(background); }
+
+void CChipBackgroundSource::Size(int background, int& width, int& height) {
+    uint32_t w = 0, h = 0;
+    vdp2.GetBackgroundSize(background, w, h);
+    width = static_cast<int>(std::min<uint32_t>(w, 1u << 16));
+    height = static_cast<int>(std::min<uint32_t>(h, 1u << 16));
+}
+
+bool CChipBackgroundSource::InCellMode(int background) { return vdp2.IsBackgroundInCellMode(background); }
+void CChipBackgroundSource::DecodeBitmap(int background, uint32_t* texels) {
+    vdp2.DecodeBackgroundBitmap(background, texels);
+}
+void CChipBackgroundSource::RenderPlane(int background, int plane, uint32_t* texels) {
+    vdp2.RenderBackgroundPlane(background, static_cast<uint32_t>(plane), texels);
 }
 
 }  // namespace ui

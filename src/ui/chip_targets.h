@@ -5,6 +5,7 @@
 // reads at its next frame.
 #include <functional>
 
+#include "ui/background_viewer_presenter.h"
 #include "ui/control_panel_presenter.h"
 #include "ui/display_menu_presenter.h"
 
@@ -64,6 +65,20 @@ private:
     CVdp1& vdp1;
     CVdp2& vdp2;
     const DialogOpeners& openers;
+};
+
+// The viewer's reads of VDP2's backgrounds, made on the emulation thread.
+class CChipBackgroundSource final : public CBackgroundSource {
+public:
+    explicit CChipBackgroundSource(CVdp2& vdp2) : vdp2(vdp2) {}
+    std::string Information(int background) override;
+    void Size(int background, int& width, int& height) override;
+    bool InCellMode(int background) override;
+    void DecodeBitmap(int background, uint32_t* texels) override;
+    void RenderPlane(int background, int plane, uint32_t* texels) override;
+
+private:
+    CVdp2& vdp2;
 };
 
 }  // namespace ui

@@ -80,6 +80,33 @@ TEST_F(UiPlayerTest, ThePlayerShowsTheTraceInTheWindowAndTheMenuRescalesTheFrame
     EXPECT_LE(PixelsApart(first, reference), 40);
 }
 
+TEST_F(UiPlayerTest, TheBackgroundViewerOpenedWithTheReplayShowsTheChosenBackgroundBesideItsControls) {
+    StartServer();
+    CX11Session x11;
+    ASSERT_TRUE(x11.Open());
+    ASSERT_EQ(std::system((Player() + "--open viewer --pause-at 60 backgrounds.trace > play.log 2>&1 & "
+                                      "echo $! > play.pid").c_str()),
+              0);
+    const pid_t pid = std::stoi(ReadAll("play.pid"));
+    const unsigned long viewer = x11.WaitForWindow("VDP2 background viewer", kWait);
+    ASSERT_NE(viewer, 0u) << ReadAll("play.log");
+    // NBG1 (the second box of the top row), then View: its 512 x 512 plane A beside the controls.
+    x11.Click(viewer, 20 + 66 + 10, 32 + 12);
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    x11.Click(viewer, 100, 151 + 12);
+    EXPECT_TRUE(x11.WaitForSize(viewer, 512 + 245, 512 + 40, kWait)) << x11.Geometry(viewer).width;
+    SaveDrawn(x11, viewer, "background-viewer.png");
+    std::vector<uint8_t> rgba;
+    int w = 0, h = 0;
+    ASSERT_TRUE(x11.Capture(viewer, rgba, w, h));
+    int lit = 0;  // the near layer's grass and earth across the plane's top
+    for (int y = 10 + 90; y < 10 + 130; ++y)
+        for (int x = 232; x < 232 + 512; ++x) lit += rgba[static_cast<size_t>(y * w + x) * 4 + 1] > 40;
+    EXPECT_GT(lit, 512 * 10);
+    kill(pid, SIGINT);
+    EXPECT_TRUE(x11.WaitForNoWindow("VDP2 background viewer", kWait));
+}
+
 TEST_F(UiPlayerTest, ADisplayThatCannotBeReachedLeavesTheFramesOffscreenWithAMessage) {
     const std::string run = "DISPLAY=:97531 " + Player() + "--frames 2 --capture-dir frames sprites.trace > play.log 2>&1";
     EXPECT_EQ(std::system(run.c_str()), 0);

@@ -21,6 +21,8 @@ TEST(PlayOptionsTest, ValuesAfterAnEqualsSignAndMistakesNamed) {
               std::tuple(30L, "d", 5L, 2.5f, "p.so", "-", true, true, false, "screen", true, false));
     EXPECT_TRUE(ParsePlayOptions({"--loop", "a.trace"}, error)->loop);
     EXPECT_EQ(ParsePlayOptions({"--texture-set=pack", "a.trace"}, error)->textureSet, "pack");
+    const auto held = ParsePlayOptions({"--open", "viewer", "--pause-at", "60", "a.trace"}, error);
+    EXPECT_EQ(std::pair(held->openDialog, held->pauseAt), std::pair(std::string("viewer"), 60L));
     EXPECT_TRUE(ParsePlayOptions({"--help"}, error)->help) << "help needs no trace";
     const struct { std::vector<std::string> arguments; const char* message; } cases[] = {
         {{}, "no trace given"}, {{"--frames"}, "--frames needs a value"},
@@ -30,7 +32,8 @@ TEST(PlayOptionsTest, ValuesAfterAnEqualsSignAndMistakesNamed) {
         {{"a", "-"}, "one trace at a time"}, {{"--rotation-sampling", "fine", "a"}, "grid or screen"},
         {{"--loop", "-"}, "--loop needs a trace file"},
         {{"--scale", "1.5", "a"}, "--scale must be one of"},
-        {{"--texture-set", "../x", "a"}, "--texture-set needs the name of a set"}};
+        {{"--texture-set", "../x", "a"}, "--texture-set needs the name of a set"},
+        {{"--open", "editor", "a"}, "--open takes panel or viewer"}, {{"--pause-at", "x", "a"}, "--pause-at needs"}};
     for (const auto& c : cases) {
         EXPECT_FALSE(ParsePlayOptions(c.arguments, error));
         EXPECT_NE(error.find(c.message), std::string::npos) << error;

@@ -2,6 +2,7 @@
 // changes in the renderer and the chips, read back from them.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -94,6 +95,50 @@ TEST_F(UiPresentersTest, EachPanelBoxSwitchesItsBackgroundOrPartKindAndShowsTheS
     panel.OnPress(kPanelBackgroundViewer), panel.OnPress(kPanelTextureEditor);
     EXPECT_EQ(opened, "viewer editor ");
     EXPECT_NE(panel.CacheText().find("VDP2 cells: 0 cells, 0 pictures"), std::string::npos) << panel.CacheText();
+}
+
+// Backgrounds as the viewer reads them: 1 in cell mode (each plane's texels its number), 2 a bitmap, 3 too large.
+struct FakeBackgrounds final : CBackgroundSource {
+    std::string Information(int bg) override { return bg == 4 ? "" : "background " + std::to_string(bg); }
+    void Size(int bg, int& w, int& h) override { w = bg == 3 ? 100000 : 4, h = bg == 3 ? 1 : 2; }
+    bool InCellMode(int bg) override { return bg != 2; }
+    void DecodeBitmap(int, uint32_t* texels) override { std::fill(texels, texels + 8, 0xB17u); }
+    void RenderPlane(int, int plane, uint32_t* texels) override { std::fill(texels, texels + 8, uint32_t(plane)); }
+};
+
+TEST(BackgroundViewerPresenterTest, ABoxSelectsItsBackgroundAloneAndViewDrawsItsPlaneOrBitmapAtTheNextFrame) {
+    CBackgroundViewerPresenter::ResetSelection();
+    CBackgroundViewerPresenter viewer;
+    FakeBackgrounds source;
+    std::string text;
+    BackgroundPicture picture;
+    const auto checked = [&] {
+        std::string boxes;
+        for (const ViewerBox& box : kViewerBoxes) boxes += viewer.IsChecked(box.id) ? box.text : "";
+        return boxes;
+    };
+    EXPECT_EQ(checked(), "") << "no box shows the stored choice until one is clicked";
+    EXPECT_FALSE(CBackgroundViewerPresenter::Serve(source, text, picture)) << "no picture until View";
+    EXPECT_EQ(text, "background 0");
+    const struct { int box, plane; const char* text; int width; uint32_t texel; } cases[] = {
+        {1023, 2, "background 1", 4, 2}, {1024, 0, "background 2", 4, 0xB17}, {1025, 0, "background 3", 0, 0},
+        {1026, 0, kNoInformation, 4, 0}};
+    for (const auto& c : cases) {
+        viewer.OnBackground(c.box), viewer.OnPlane(c.plane), viewer.OnPlane(16);  // 16 is no plane: ignored
+        viewer.OnView();
+        ASSERT_TRUE(CBackgroundViewerPresenter::Serve(source, text, picture));
+        EXPECT_EQ(checked(), kViewerBoxes[CBackgroundViewerPresenter::SelectedBackground()].text);
+        EXPECT_EQ(text, c.text);
+        EXPECT_EQ(picture.width, c.width) << "a size beyond any plane gives an empty picture";
+        if (c.width) {
+            EXPECT_EQ(picture.texels.back(), c.texel);
+        }
+        EXPECT_FALSE(CBackgroundViewerPresenter::Serve(source, text, picture)) << "one picture a View";
+    }
+    int w = 0, h = 0;
+    CBackgroundViewerPresenter::WindowSizeFor(512, 256, w, h);
+    EXPECT_EQ(std::pair(w, h), std::pair(757, 296));
+    EXPECT_EQ(PlaneName(0) + PlaneName(15), "plane Aplane P");
 }
 
 }  // namespace

@@ -29,6 +29,7 @@ namespace vdpgl::host {
     X(CaptureDisplay, int, (unsigned char*, int, int))           \
     X(GetCacheCounters, int, (VdpglCacheCounters*))              \
     X(ActivateTextureSet, int, (const char*))                    \
+    X(OpenDialog, int, (const char*))                            \
     X(WriteByteVDP1FrameBuffer, void, (uint32_t, uint8_t))       \
     X(WriteWordVDP1FrameBuffer, void, (uint32_t, uint16_t))      \
     X(WriteLongVDP1FrameBuffer, void, (uint32_t, uint32_t))      \

@@ -118,7 +118,7 @@ int main(int argc, char** argv) {
     vdpgl::play::CTracePlayer player(library.Exports(), reader,
                                      {options->frames, options->captureDir, options->captureEvery,
                                       windowed && !options->fast && !options->bench, options->loop,
-                                      options->tracePath});
+                                      options->tracePath, options->openDialog, options->pauseAt});
     // Ctrl-C ends the replay as its end would: emulation stopped, plug-in
     // shut down, no thread left behind.
     std::signal(SIGINT, [](int) { vdpgl::play::CTracePlayer::Stop(); });

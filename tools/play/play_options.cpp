@@ -19,6 +19,8 @@ std::string Usage() {
            "  --rotation-sampling grid|screen\n"
            "                      rotation planes on the 256 x 256 grid (default) or per screen dot\n"
            "  --texture-set NAME  draw with the replacement texture set NAME (replacement_texture_set/NAME/)\n"
+           "  --open panel|viewer open the control panel or the background viewer with the window\n"
+           "  --pause-at N        hold the replay at frame N (its V-blanks repeat) until Ctrl-C\n"
            "  --bench             report frames per second and frame times (plays as fast as it can)\n"
            "  --fast              do not pace a windowed replay at the console's 60 frames a second\n"
            "  --loop              start the trace again at its end, until Ctrl-C\n"
@@ -102,6 +104,19 @@ std::optional<PlayOptions> ParsePlayOptions(const std::vector<std::string>& argu
                 return std::nullopt;
             }
             options.rotationSampling = value;
+        } else if (name == "--open") {
+            if (!takeValue()) return std::nullopt;
+            if (value != "panel" && value != "viewer") {
+                error = "--open takes panel or viewer (not \"" + value + "\")";
+                return std::nullopt;
+            }
+            options.openDialog = value;
+        } else if (name == "--pause-at") {
+            if (!takeValue()) return std::nullopt;
+            if (!ParseCount(value, 0, options.pauseAt)) {
+                error = "--pause-at needs a frame number, not \"" + value + "\"";
+                return std::nullopt;
+            }
         } else if (name == "--texture-set") {
             if (!takeValue()) return std::nullopt;
             if (value.empty() || value.find('/') != std::string::npos || value == "." || value == "..") {

@@ -17,6 +17,8 @@ struct PlayOptions {
     bool scaleGiven = false;
     std::string rotationSampling = "grid";  // "grid" or "screen"
     std::string textureSet;  // a replacement texture set to activate; empty: none
+    std::string openDialog;  // "panel" or "viewer" to open in the window; empty: none
+    long pauseAt = -1;       // hold the replay at this frame; -1: never
     bool bench = false;
     bool fast = false;  // no pacing at the console's frame rate (--bench implies it)
     bool loop = false;  // start the trace again at its end

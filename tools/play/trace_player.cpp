@@ -52,6 +52,12 @@ void CTracePlayer::Dispatch(const trace::Record& r) {
             if (running && settings.loop) break;
             x.EmulationThreadStarting();
             running = true;
+            if (!settings.openDialog.empty() && !dialogOpened) {
+                dialogOpened = true;
+                if (!x.OpenDialog(settings.openDialog.c_str()))
+                    std::fprintf(stderr, "vdpgl-play: the %s cannot open: there is no display\n",
+                                 settings.openDialog == "panel" ? "control panel" : "background viewer");
+            }
             break;
         case Event::EmulationThreadStoping:
             if (settings.loop) break;
@@ -117,6 +123,7 @@ bool CTracePlayer::EndFrame(PlayResult& result) {
             peak.vdp2CellBytes = result.caches.vdp2CellBytes;
         }
     }
+    if (frame == settings.pauseAt) Hold();
     const auto now = std::chrono::steady_clock::now();
     result.frameMilliseconds.push_back(std::chrono::duration<double, std::milli>(now - frameStart).count());
     frameStart = now;
@@ -125,6 +132,17 @@ bool CTracePlayer::EndFrame(PlayResult& result) {
         onFrame(result.frames, size > 0 ? static_cast<double>(reader.Position()) / size : -1.0);
     }
     return settings.frames < 0 || result.frames < settings.frames;
+}
+
+void CTracePlayer::Hold() {
+    // The frame's V-blanks again and again: its textures stay in the cache and
+    // the dialogs are served, until Ctrl-C.
+    std::fprintf(stderr, "vdpgl-play: holding at frame %ld; Ctrl-C ends\n", settings.pauseAt);
+    while (!stopRequested.load(std::memory_order_relaxed)) {
+        x.VDPOnVblankIn();
+        x.VDPOnVblankOut();
+        std::this_thread::sleep_for(std::chrono::nanoseconds(16683333));
+    }
 }
 
 void CTracePlayer::Finish() {

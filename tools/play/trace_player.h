@@ -21,6 +21,8 @@ struct PlayerSettings {
     bool pace = false;        // hold each frame to the console's rate
     bool loop = false;        // replay from the start at the trace's end (needs a file)
     std::string tracePath;    // to open the trace again for a loop
+    std::string openDialog;   // a dialog to open once the emulation has started
+    long pauseAt = -1;        // hold the replay at this frame, its V-blanks repeating
 };
 
 struct PlayResult {
@@ -55,6 +57,8 @@ private:
     bool EndFrame(PlayResult& result);
     // Leaves the plug-in as a host would at the end: stopped and shut down.
     void Finish();
+    void Hold();
+    bool dialogOpened = false;
 
     const host::PluginExports& x;
     trace::CTraceReader& reader;

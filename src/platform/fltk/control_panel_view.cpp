@@ -61,7 +61,7 @@ public:
         end();
         callback([](Fl_Widget* w, void*) { w->hide(); });  // the close box and Escape close the panel
         Refresh(this);
-        handle.store(this);
+        handle.store(static_cast<Fl_Window*>(this));
     }
 
     ~CControlPanelView() override {
