@@ -8,6 +8,7 @@
 
 namespace vdpgl::ui {
 class CControlPanelTarget;
+class CSetChooserTarget;
 struct BackgroundPicture;
 }
 
@@ -16,6 +17,9 @@ namespace vdpgl::platform {
 // Opens the control panel ("VDP plugin control"), or raises it when it is
 // open already. Any thread; does not wait. False when no UI thread runs.
 bool OpenControlPanel(ui::CControlPanelTarget& target, std::atomic<void*>& handle);
+
+// Opens the texture set chooser, or raises it. Any thread; does not wait.
+bool OpenSetChooser(ui::CSetChooserTarget& target);
 
 // Opens the VDP2 background viewer, or raises it. Any thread; does not wait.
 bool OpenBackgroundViewer(std::atomic<void*>& handle);

@@ -11,6 +11,7 @@
 #include "platform/message_box.h"
 #include "plugin/plugin_state.h"
 #include "ui/replacement_sets.h"
+#include "ui/set_chooser_presenter.h"
 #include "vdp1/vdp1_character_pattern/vdp1_character_pattern.h"
 #include "vdpgl/vdpgl.h"
 
@@ -47,7 +48,26 @@ int Activate(const char* name) {
     return 1;
 }
 
+class CChooserTarget final : public ui::CSetChooserTarget {
+public:
+    std::vector<ui::SetRow> Sets() override {
+        std::vector<ui::SetRow> rows;
+        std::lock_guard lock(setsMutex);
+        if (!textureSets) return rows;
+        for (const std::string& name : textureSets->sets->List())
+            rows.push_back({name, textureSets->sets->ReadDescription(name)});
+        return rows;
+    }
+    bool Activate(const std::string& name) override { return vdpgl::Activate(name.c_str()) == 1; }
+    std::string SetFolder() const override { return plugin.replacementTextureSetPath; }
+};
+
 }  // namespace
+
+ui::CSetChooserTarget& SetChooserTarget() {
+    static CChooserTarget target;
+    return target;
+}
 
 void CreateTextureSets() {
     DestroyTextureSets();

@@ -10,6 +10,7 @@
 #include "platform/message_box.h"
 #include "platform/ui_thread.h"
 #include "plugin/plugin_state.h"
+#include "plugin/texture_sets.h"
 #include "render/opengl/opengl.h"
 #include "ui/chip_targets.h"
 #include "vdpgl/vdpgl.h"
@@ -39,6 +40,7 @@ void CreateUserInterface() {
         if (userInterface) platform::OpenControlPanel(*userInterface->panel, plugin.controlPanelDialog);
     };
     u.openers.backgroundViewer = [] { platform::OpenBackgroundViewer(plugin.backgroundViewerDialog); };
+    u.openers.setChooser = [] { platform::OpenSetChooser(SetChooserTarget()); };
     // The texture editor opens from here once it exists.
     u.menu = std::make_unique<ui::CChipMenuTarget>(*plugin.renderer, *plugin.vdp1, *plugin.vdp2, u.openers);
     u.panel = std::make_unique<ui::CChipPanelTarget>(*plugin.vdp1, *plugin.vdp2, u.openers);

@@ -38,6 +38,7 @@ void CChipMenuTarget::RequestVdp1CacheClear() { vdp1.RequestCacheClear(); }
 void CChipMenuTarget::RequestVdp2CacheClear() { vdp2.RequestCellCacheClear(); }
 void CChipMenuTarget::OpenTextureEditor() { Open(openers.textureEditor); }
 void CChipMenuTarget::OpenControlPanel() { Open(openers.controlPanel); }
+void CChipMenuTarget::OpenSetChooser() { Open(openers.setChooser); }
 void CChipMenuTarget::RequestScreenshot() { renderer.RequestScreenshot(); }
 
 bool CChipPanelTarget::IsBackgroundDisabled(int bgNumber) const { return vdp2.IsBackgroundDisabled(bgNumber); }

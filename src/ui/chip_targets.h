@@ -24,6 +24,7 @@ struct DialogOpeners {
     std::function<void()> textureEditor;
     std::function<void()> controlPanel;
     std::function<void()> backgroundViewer;
+    std::function<void()> setChooser;
 };
 
 class CChipMenuTarget final : public CDisplayMenuTarget {
@@ -38,6 +39,7 @@ public:
     void RequestVdp2CacheClear() override;
     void OpenTextureEditor() override;
     void OpenControlPanel() override;
+    void OpenSetChooser() override;
     void RequestScreenshot() override;
 
 private:

@@ -54,7 +54,8 @@ void CDisplayMenuPresenter::Command(int id) {
     case kMenuClearVdp2Cache: target.RequestVdp2CacheClear(); break;
     case kMenuTextureEditor: target.OpenTextureEditor(); break;
     case kMenuControlPanel: target.OpenControlPanel(); break;
-    default: break;  // "Load texture replacement set" and unknown ids: nothing
+    case kMenuLoadTextureSet: target.OpenSetChooser(); break;
+    default: break;
     }
 }
 

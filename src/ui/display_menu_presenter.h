@@ -64,6 +64,7 @@ public:
     // Each opens its dialog unless it is open already.
     virtual void OpenTextureEditor() = 0;
     virtual void OpenControlPanel() = 0;
+    virtual void OpenSetChooser() = 0;
     // The next frame shown is saved as a picture file.
     virtual void RequestScreenshot() = 0;
 

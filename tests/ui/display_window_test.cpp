@@ -7,6 +7,7 @@
 
 #include <chrono>
 #include <filesystem>
+#include <fstream>
 #include <thread>
 
 #include "../host/host_frame.h"
@@ -166,6 +167,37 @@ TEST_F(UiTest, TheControlPanelFromTheMenuOrTheHostSwitchesPartKindsForTheNextFra
     x11.Click(again, box.x + 8, box.y + box.h / 2);
     EXPECT_TRUE(FramesUntil([&] { return Drawn(kRed); })) << "unchecking brings the polygons back";
     Save(x11, again, "control-panel-reopened.png");
+}
+
+TEST_F(UiTest, LoadTextureReplacementSetListsTheSetsAndLoadsTheChosenOneOrSaysWhyNot) {
+    const auto openChooser = [&] {
+        x11.Focus(window);
+        x11.Key("f", {"Alt_L"});
+        std::this_thread::sleep_for(100ms);
+        test::Type(x11, {"Down", "Down", "Return"});
+        return x11.WaitForWindow("Load texture replacement set", kWait);
+    };
+    unsigned long chooser = openChooser();  // no set yet: it says where sets go
+    ASSERT_NE(chooser, 0u);
+    Save(x11, chooser, "set-chooser-empty.png");
+    x11.Focus(chooser), x11.Key("Escape");
+    ASSERT_TRUE(x11.WaitForNoWindow("Load texture replacement set", kWait));
+
+    // "broken" (listed first) has no INI: its message, the chooser stays; then "pack" loads and the chooser goes.
+    std::filesystem::create_directories("replacement_texture_set/broken");
+    std::filesystem::create_directories("replacement_texture_set/pack");
+    std::ofstream("replacement_texture_set/pack/pack.ini") << "[infos]\ndescription=Sharper heroes\n";
+    chooser = openChooser();
+    ASSERT_NE(chooser, 0u);
+    Save(x11, chooser, "set-chooser.png");
+    x11.Focus(chooser), x11.Key("Return");
+    const unsigned long message = x11.WaitForWindow("Error", kWait);
+    ASSERT_NE(message, 0u);
+    x11.Focus(message), x11.Key("Return");
+    ASSERT_TRUE(x11.WaitForNoWindow("Error", kWait));
+    x11.Focus(chooser);
+    test::Type(x11, {"Down", "Return"});
+    EXPECT_TRUE(x11.WaitForNoWindow("Load texture replacement set", kWait));
 }
 
 TEST(UiAboutTest, TheAboutBoxBeforeInitialisationAndThePanelWithoutADisplayWindowLeaveNoThread) {
