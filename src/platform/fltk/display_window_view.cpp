@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <mutex>
 #include <set>
 
 #include "platform/ui_thread.h"
@@ -203,10 +204,35 @@ void CloseDisplayWindow(DisplayWindow* window) {
 
 void ResizeDisplayWindow(DisplayWindow* window, int width, int height, const std::string& title) {
     if (!window) return;
-    RunOnUiThread(
-        [window, width, height, title] {
-            if (CDisplayWindowView* view = CDisplayWindowView::Find(window)) view->SetPictureSize(width, height, title);
-        });
+    // One resize waits at most, with the latest size: a UI thread held up
+    // (a menu kept open) while the mode changes often gets one job, not many.
+    struct Pending {
+        std::mutex mutex;
+        DisplayWindow* window = nullptr;
+        int width = 0, height = 0;
+        std::string title;
+        bool posted = false;
+    };
+    static Pending pending;
+    {
+        std::lock_guard lock(pending.mutex);
+        pending.window = window, pending.width = width, pending.height = height, pending.title = title;
+        if (pending.posted) return;
+        pending.posted = true;
+    }
+    const bool queued = RunOnUiThread([] {
+        std::unique_lock lock(pending.mutex);
+        DisplayWindow* target = pending.window;
+        const int w = pending.width, h = pending.height;
+        const std::string text = pending.title;
+        pending.posted = false;
+        lock.unlock();
+        if (CDisplayWindowView* view = CDisplayWindowView::Find(target)) view->SetPictureSize(w, h, text);
+    });
+    if (!queued) {
+        std::lock_guard lock(pending.mutex);
+        pending.posted = false;
+    }
 }
 
 }  // namespace vdpgl::platform
