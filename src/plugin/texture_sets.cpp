@@ -2,6 +2,7 @@
 // initialisation and the ActivateTextureSet export.
 #include "plugin/texture_sets.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
@@ -12,6 +13,8 @@
 #include "plugin/plugin_state.h"
 #include "ui/replacement_sets.h"
 #include "ui/set_chooser_presenter.h"
+#include "ui/texture_editor_presenter.h"
+#include "vdp1/vdp1.h"
 #include "vdp1/vdp1_character_pattern/vdp1_character_pattern.h"
 #include "vdpgl/vdpgl.h"
 
@@ -62,7 +65,59 @@ public:
     std::string SetFolder() const override { return plugin.replacementTextureSetPath; }
 };
 
+class CEditorTarget final : public ui::CTextureEditorTarget {
+public:
+    std::vector<uint32_t> CachedPatterns() override {
+        std::vector<uint32_t> addresses;
+        if (!plugin.vdp1) return addresses;
+        std::lock_guard lock(plugin.vdp1->cacheMutex);
+        const CVdp1CharacterPattern* previous = nullptr;
+        for (const CVdp1CharacterPattern* p : plugin.vdp1->characterPatterns) {
+            if (!p || p == previous) continue;
+            previous = p;
+            if (!p->modified.load(std::memory_order_relaxed)) addresses.push_back(p->GetStartAddress());
+        }
+        // A pattern that wraps past the end of VRAM is met at both ends.
+        std::sort(addresses.begin(), addresses.end());
+        addresses.erase(std::unique(addresses.begin(), addresses.end()), addresses.end());
+        return addresses;
+    }
+    bool Pattern(uint32_t address, ui::PatternSnapshot& pattern, std::string& information) override {
+        if (!plugin.vdp1) return false;
+        std::lock_guard lock(plugin.vdp1->cacheMutex);
+        const CVdp1CharacterPattern* p = plugin.vdp1->characterPatterns[(address & 0x7FFFF) >> 3];
+        if (!p || p->GetStartAddress() != address || p->width <= 0 || p->height <= 0) return false;
+        pattern.crc = p->GetCrc();
+        pattern.colorCtrl = p->GetColorCtrl();
+        pattern.width = p->width;
+        pattern.height = p->height;
+        pattern.rgba.assign(static_cast<size_t>(p->width) * static_cast<size_t>(p->height), 0u);
+        p->GetImage(pattern.rgba.data());
+        char text[256];
+        p->GetInformation(text, sizeof text);
+        information = text;
+        return true;
+    }
+    void WithSets(const std::function<void(ui::CReplacementSets&)>& use) override {
+        std::lock_guard lock(setsMutex);
+        if (textureSets) use(*textureSets->sets);
+    }
+    void Activate(const std::vector<Vdp1ReplacementTexture>& list) override {
+        CVdp1CharacterPattern::EnableReplacementTextures(list);
+    }
+    void Deactivate() override { CVdp1CharacterPattern::DisableReplacementTextures(); }
+    ui::CMessageSink& Messages() override { return sink; }
+
+private:
+    CMessageBoxSink sink;
+};
+
 }  // namespace
+
+ui::CTextureEditorTarget& TextureEditorTarget() {
+    static CEditorTarget target;
+    return target;
+}
 
 ui::CSetChooserTarget& SetChooserTarget() {
     static CChooserTarget target;

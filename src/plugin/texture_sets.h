@@ -5,6 +5,7 @@ namespace vdpgl {
 
 namespace ui {
 class CSetChooserTarget;
+class CTextureEditorTarget;
 }
 
 // At initialisation, once the objects exist: the set root, then
@@ -14,5 +15,8 @@ void DestroyTextureSets();
 
 // The sets on disk and their activation, for the menu's chooser.
 ui::CSetChooserTarget& SetChooserTarget();
+// The cache's patterns (read under its lock) and the shared set model, for
+// the texture replacement editor.
+ui::CTextureEditorTarget& TextureEditorTarget();
 
 }  // namespace vdpgl
