@@ -75,7 +75,8 @@ VDPGL_EXPORT int GetCacheCounters(VdpglCacheCounters* counters);
 VDPGL_EXPORT int ActivateTextureSet(const char* name);
 
 /* Opens one of the plug-in's dialogs as its menu or control panel would:
- * "panel" (the control panel) or "viewer" (the VDP2 background viewer).
+ * "panel" (the control panel), "viewer" (the VDP2 background viewer) or
+ * "editor" (the texture replacement editor).
  * Returns 1, or 0 for another name, before InitVDPPlugin, or without a
  * display. Any thread; it does not wait for the dialog. */
 VDPGL_EXPORT int OpenDialog(const char* name);

@@ -9,6 +9,7 @@
 namespace vdpgl::ui {
 class CControlPanelTarget;
 class CSetChooserTarget;
+class CTextureEditorTarget;
 struct BackgroundPicture;
 }
 
@@ -20,6 +21,11 @@ bool OpenControlPanel(ui::CControlPanelTarget& target, std::atomic<void*>& handl
 
 // Opens the texture set chooser, or raises it. Any thread; does not wait.
 bool OpenSetChooser(ui::CSetChooserTarget& target);
+
+// Opens the texture replacement editor, or raises it; CloseTextureEditor
+// closes it (with the display window at every stop). Any thread; neither waits.
+bool OpenTextureEditor(ui::CTextureEditorTarget& target, std::atomic<void*>& handle);
+void CloseTextureEditor(std::atomic<void*>& handle);
 
 // Opens the VDP2 background viewer, or raises it. Any thread; does not wait.
 bool OpenBackgroundViewer(std::atomic<void*>& handle);

@@ -33,6 +33,10 @@ void SyncUiDisplay();
 // screen when asked (without one, a window is sized over the screen by hand).
 bool WindowManagerDoesFullScreen();
 
+// True once the loop has been asked to end: a dialog's own modal loop on the
+// UI thread gives up then, so that the thread can end.
+bool UiThreadStopRequested();
+
 // Ends the loop: every window and dialog closes, queued work is dropped, and
 // the thread is joined. Any thread but the UI one; does nothing when none runs.
 void StopUiThread();

@@ -41,7 +41,7 @@ void CreateUserInterface() {
     };
     u.openers.backgroundViewer = [] { platform::OpenBackgroundViewer(plugin.backgroundViewerDialog); };
     u.openers.setChooser = [] { platform::OpenSetChooser(SetChooserTarget()); };
-    // The texture editor opens from here once it exists.
+    u.openers.textureEditor = [] { platform::OpenTextureEditor(TextureEditorTarget(), plugin.textureEditorDialog); };
     u.menu = std::make_unique<ui::CChipMenuTarget>(*plugin.renderer, *plugin.vdp1, *plugin.vdp2, u.openers);
     u.panel = std::make_unique<ui::CChipPanelTarget>(*plugin.vdp1, *plugin.vdp2, u.openers);
 }
@@ -52,6 +52,7 @@ void DestroyUserInterface() {
     plugin.displayWindow.store(nullptr);
     plugin.controlPanelDialog.store(nullptr);
     plugin.backgroundViewerDialog.store(nullptr);
+    plugin.textureEditorDialog.store(nullptr);
     delete userInterface;
     userInterface = nullptr;
 }
@@ -82,6 +83,8 @@ void StartDisplay() {
 void StopDisplay() {
     if (plugin.renderer) plugin.renderer->ReleaseGl();
     auto* window = static_cast<platform::DisplayWindow*>(plugin.displayWindow.exchange(nullptr));
+    // The editor goes with the display window; the panel and the viewer stay.
+    if (window) platform::CloseTextureEditor(plugin.textureEditorDialog);
     platform::CloseDisplayWindow(window);
 }
 
@@ -117,6 +120,7 @@ bool OpenDialogByName(const char* name) {
     const std::string which = name;
     if (which == "panel") userInterface->openers.controlPanel();
     else if (which == "viewer") userInterface->openers.backgroundViewer();
+    else if (which == "editor") userInterface->openers.textureEditor();
     else return false;
     return true;
 }

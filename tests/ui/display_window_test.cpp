@@ -21,6 +21,7 @@ namespace vdpgl::host {
 namespace {
 
 using namespace std::chrono_literals;
+using test::Command;
 using test::kWait;
 using test::Command;
 using test::kPolygonCmd;
@@ -198,6 +199,44 @@ TEST_F(UiTest, LoadTextureReplacementSetListsTheSetsAndLoadsTheChosenOneOrSaysWh
     x11.Focus(chooser);
     test::Type(x11, {"Down", "Return"});
     EXPECT_TRUE(x11.WaitForNoWindow("Load texture replacement set", kWait));
+}
+
+TEST_F(UiTest, TheEditorFromTheMenuShowsACachedPatternCreatesASetAndClosesWithTheDisplayWindow) {
+    for (uint32_t i = 0; i < 16 * 8; ++i) x().WriteWordVDP1VRAM(0x1000 + i * 2, 0x83E0);  // a green 16 x 8 sprite
+    test::WriteCommandList([this](uint32_t a, uint16_t v) { x().WriteWordVDP1VRAM(a, v); },
+                           {Command{.pmod = 0xE8, .srca = 0x1000 / 8, .size = 0x0208, .xa = 40, .ya = 30}});
+    Frame(), Frame();
+    x11.Focus(window);
+    x11.Key("f", {"Alt_L"});
+    std::this_thread::sleep_for(100ms);
+    test::Type(x11, {"Down", "Return"});
+    const unsigned long editor = x11.WaitForWindow("Texture replacement editor", kWait);
+    ASSERT_NE(editor, 0u);
+    // The only cached pattern, chosen in the list: its preview at the box's corner, dot for dot.
+    std::this_thread::sleep_for(200ms);
+    x11.Click(editor, 60, 25 + 8);
+    std::vector<uint8_t> rgba;
+    int w = 0, h = 0;
+    bool previewed = false;
+    for (int i = 0; i < 100 && !previewed; ++i, std::this_thread::sleep_for(20ms))
+        previewed = x11.Capture(editor, rgba, w, h) && rgba[static_cast<size_t>((25 + 4) * w + 170 + 4) * 4 + 1] > 200 &&
+                    rgba[static_cast<size_t>((25 + 4) * w + 170 + 4) * 4] < 60;
+    EXPECT_TRUE(previewed);
+    Save(x11, editor, "texture-editor.png");
+    // New set: its form, a name typed, Return; the set is on disk.
+    x11.Click(editor, 472 + 125 + 60, 320 + 12);
+    const unsigned long form = x11.WaitForWindow("New texture replacement set", kWait);
+    ASSERT_NE(form, 0u);
+    Save(x11, form, "new-set.png");
+    x11.Focus(form);
+    test::Type(x11, {"p", "a", "c", "k", "Return"});
+    bool created = false;
+    for (int i = 0; i < 100 && !created; ++i, std::this_thread::sleep_for(20ms))
+        created = std::filesystem::exists("replacement_texture_set/pack/pack.ini");
+    EXPECT_TRUE(created);
+    x().EmulationThreadStoping();
+    EXPECT_TRUE(x11.WaitForNoWindow("Texture replacement editor", kWait)) << "the editor goes with the window";
+    x().EmulationThreadStarting();
 }
 
 TEST(UiAboutTest, TheAboutBoxBeforeInitialisationAndThePanelWithoutADisplayWindowLeaveNoThread) {

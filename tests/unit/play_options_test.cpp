@@ -33,7 +33,7 @@ TEST(PlayOptionsTest, ValuesAfterAnEqualsSignAndMistakesNamed) {
         {{"--loop", "-"}, "--loop needs a trace file"},
         {{"--scale", "1.5", "a"}, "--scale must be one of"},
         {{"--texture-set", "../x", "a"}, "--texture-set needs the name of a set"},
-        {{"--open", "editor", "a"}, "--open takes panel or viewer"}, {{"--pause-at", "x", "a"}, "--pause-at needs"}};
+        {{"--open", "menu", "a"}, "--open takes panel, viewer or editor"}, {{"--pause-at", "x", "a"}, "--pause-at needs"}};
     for (const auto& c : cases) {
         EXPECT_FALSE(ParsePlayOptions(c.arguments, error));
         EXPECT_NE(error.find(c.message), std::string::npos) << error;

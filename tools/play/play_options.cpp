@@ -19,7 +19,8 @@ std::string Usage() {
            "  --rotation-sampling grid|screen\n"
            "                      rotation planes on the 256 x 256 grid (default) or per screen dot\n"
            "  --texture-set NAME  draw with the replacement texture set NAME (replacement_texture_set/NAME/)\n"
-           "  --open panel|viewer open the control panel or the background viewer with the window\n"
+           "  --open panel|viewer|editor\n"
+           "                      open the control panel, the background viewer or the texture editor\n"
            "  --pause-at N        hold the replay at frame N (its V-blanks repeat) until Ctrl-C\n"
            "  --bench             report frames per second and frame times (plays as fast as it can)\n"
            "  --fast              do not pace a windowed replay at the console's 60 frames a second\n"
@@ -106,8 +107,8 @@ std::optional<PlayOptions> ParsePlayOptions(const std::vector<std::string>& argu
             options.rotationSampling = value;
         } else if (name == "--open") {
             if (!takeValue()) return std::nullopt;
-            if (value != "panel" && value != "viewer") {
-                error = "--open takes panel or viewer (not \"" + value + "\")";
+            if (value != "panel" && value != "viewer" && value != "editor") {
+                error = "--open takes panel, viewer or editor (not \"" + value + "\")";
                 return std::nullopt;
             }
             options.openDialog = value;

@@ -55,8 +55,8 @@ void CTracePlayer::Dispatch(const trace::Record& r) {
             if (!settings.openDialog.empty() && !dialogOpened) {
                 dialogOpened = true;
                 if (!x.OpenDialog(settings.openDialog.c_str()))
-                    std::fprintf(stderr, "vdpgl-play: the %s cannot open: there is no display\n",
-                                 settings.openDialog == "panel" ? "control panel" : "background viewer");
+                    std::fprintf(stderr, "vdpgl-play: --open %s: there is no display to open it on\n",
+                                 settings.openDialog.c_str());
             }
             break;
         case Event::EmulationThreadStoping:

@@ -89,6 +89,7 @@ public:
     }
 
     bool Running() const { return running; }
+    bool StopRequested() const { return stopRequested; }
     bool OnThread() const { return running && std::this_thread::get_id() == loopThread.load(); }
 
     bool Run(std::function<void()> work, std::chrono::milliseconds wait) {
@@ -219,6 +220,7 @@ bool RunOnUiThread(std::function<void()> work, std::chrono::milliseconds wait) {
 }
 
 void StopUiThread() { UiThread().Stop(); }
+bool UiThreadStopRequested() { return UiThread().StopRequested(); }
 
 bool WindowManagerDoesFullScreen() {
     if (!fl_display) return false;
