@@ -239,6 +239,60 @@ TEST_F(UiTest, TheEditorFromTheMenuShowsACachedPatternCreatesASetAndClosesWithTh
     x().EmulationThreadStarting();
 }
 
+TEST_F(UiTest, APackAuthorDumpsATextureBuildsASetInTheEditorAndSeesTheReplacementDrawn) {
+    for (uint32_t i = 0; i < 16 * 8; ++i) x().WriteWordVDP1VRAM(0x1000 + i * 2, 0x83E0);
+    test::WriteCommandList([this](uint32_t a, uint16_t v) { x().WriteWordVDP1VRAM(a, v); },
+                           {Command{.pmod = 0xE8, .srca = 0x1000 / 8, .size = 0x0208, .xa = 40, .ya = 30}});
+    Frame(), Frame();
+    std::vector<uint8_t> red(32 * 16 * 4, 0);
+    for (size_t i = 0; i < red.size(); i += 4) red[i] = 255, red[i + 3] = 255;
+    std::string error;
+    ASSERT_TRUE(WritePng("red.png", red.data(), 32, 16, error)) << error;
+    ASSERT_EQ(x().OpenDialog("editor"), 1);
+    const unsigned long editor = x11.WaitForWindow("Texture replacement editor", kWait);
+    ASSERT_NE(editor, 0u);
+    std::this_thread::sleep_for(200ms);
+    const auto click = [&](int xx, int yy) {
+        x11.Click(editor, xx, yy);
+        std::this_thread::sleep_for(150ms);
+    };
+    // A file chooser or form that the editor asks with: the answer typed, then Return.
+    const auto answer = [&](const char* title, const std::string& text) {
+        const unsigned long chooser = x11.WaitForWindow(title, kWait);
+        ASSERT_NE(chooser, 0u) << title;
+        std::this_thread::sleep_for(200ms);
+        x11.Focus(chooser);
+        for (char c : text) x11.Key(c == '/' ? "slash" : c == '.' ? "period" : c == '_' ? "underscore" : c == '-' ? "minus" : std::string(1, c));
+        x11.Key("Return");
+        ASSERT_TRUE(x11.WaitForNoWindow(title, kWait)) << title;
+    };
+    const auto appears = [](const char* path) {
+        for (int i = 0; i < 100; ++i, std::this_thread::sleep_for(20ms))
+            if (std::filesystem::exists(path)) return true;
+        return false;
+    };
+    click(60, 25 + 8);  // the sprite's pattern
+    click(88 + 36, 170 + 12);  // Dump
+    answer("Enter name of VDP1 texture dump", "dumped.tif");  // after the folder the chooser shows
+    EXPECT_TRUE(appears("dumped.tif"));
+    click(472 + 125 + 60, 320 + 12);  // New set
+    answer("New texture replacement set", "pack");
+    click(10 + 49, 600 + 12);  // Add texture
+    answer("Choose replacement texture to add to the set", "red.png");
+    EXPECT_TRUE(appears("replacement_texture_set/pack/red.png"));
+    click(60, 435 + 8);   // the image
+    click(110, 629 + 12);  // Associate
+    EXPECT_TRUE(appears("replacement_texture_set/pack/red_associated.tif"));
+    Save(x11, editor, "texture-editor-associated.png");
+    click(472 + 125 + 60, 320 + 2 * 29 + 12);  // Activate
+    EXPECT_TRUE(FramesUntil([&] { return Frame(), shown.At(45, 33) == Rgba{255, 0, 0, 255}; })) << "the set's image drawn";
+    click(472 + 60, 320 + 29 + 12);  // Save set
+    std::ifstream ini("replacement_texture_set/pack/pack.ini");
+    const std::string saved((std::istreambuf_iterator<char>(ini)), {});
+    EXPECT_NE(saved.find("[red.png]"), std::string::npos) << saved;
+    EXPECT_NE(saved.find("replacedTexture=red_associated.tif"), std::string::npos) << saved;
+}
+
 TEST(UiAboutTest, TheAboutBoxBeforeInitialisationAndThePanelWithoutADisplayWindowLeaveNoThread) {
     test::StartServer();
     test::CX11Session x11;

@@ -90,21 +90,52 @@ TEST_F(UiPlayerTest, TheBackgroundViewerOpenedWithTheReplayShowsTheChosenBackgro
     const pid_t pid = std::stoi(ReadAll("play.pid"));
     const unsigned long viewer = x11.WaitForWindow("VDP2 background viewer", kWait);
     ASSERT_NE(viewer, 0u) << ReadAll("play.log");
-    // NBG1 (the second box of the top row), then View: its 512 x 512 plane A beside the controls.
-    x11.Click(viewer, 20 + 66 + 10, 32 + 12);
-    std::this_thread::sleep_for(std::chrono::milliseconds(100));
-    x11.Click(viewer, 100, 151 + 12);
-    EXPECT_TRUE(x11.WaitForSize(viewer, 512 + 245, 512 + 40, kWait)) << x11.Geometry(viewer).width;
-    SaveDrawn(x11, viewer, "background-viewer.png");
-    std::vector<uint8_t> rgba;
-    int w = 0, h = 0;
-    ASSERT_TRUE(x11.Capture(viewer, rgba, w, h));
-    int lit = 0;  // the near layer's grass and earth across the plane's top
-    for (int y = 10 + 90; y < 10 + 130; ++y)
-        for (int x = 232; x < 232 + 512; ++x) lit += rgba[static_cast<size_t>(y * w + x) * 4 + 1] > 40;
-    EXPECT_GT(lit, 512 * 10);
+    // Each background in turn, then View; NBG1's 512 x 512 plane A (the near layer) checked beside the controls.
+    for (int bg = 0; bg < 6; ++bg) {
+        x11.Click(viewer, 20 + (bg % 3) * 66 + 10, 32 + (bg / 3) * 30 + 12);
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        x11.Click(viewer, 100, 151 + 12);
+        std::this_thread::sleep_for(std::chrono::milliseconds(300));
+        SaveDrawn(x11, viewer, ("background-viewer-" + std::to_string(bg) + ".png").c_str());
+        if (bg != 1) continue;
+        EXPECT_TRUE(x11.WaitForSize(viewer, 512 + 245, 512 + 40, kWait)) << x11.Geometry(viewer).width;
+        std::vector<uint8_t> rgba;
+        int w = 0, h = 0;
+        ASSERT_TRUE(x11.Capture(viewer, rgba, w, h));
+        int lit = 0;  // the near layer's grass and earth across the plane's top
+        for (int y = 10 + 90; y < 10 + 130; ++y)
+            for (int x = 232; x < 232 + 512; ++x) lit += rgba[static_cast<size_t>(y * w + x) * 4 + 1] > 40;
+        EXPECT_GT(lit, 512 * 10);
+    }
     kill(pid, SIGINT);
     EXPECT_TRUE(x11.WaitForNoWindow("VDP2 background viewer", kWait));
+}
+
+TEST_F(UiPlayerTest, TheEditorOpenedWithTheReplayListsTheHeldFramesPatterns) {
+    StartServer();
+    CX11Session x11;
+    ASSERT_TRUE(x11.Open());
+    ASSERT_EQ(std::system((Player() + "--open editor --pause-at 30 sprites.trace > play.log 2>&1 & echo $! > play.pid")
+                              .c_str()),
+              0);
+    const pid_t pid = std::stoi(ReadAll("play.pid"));
+    const unsigned long editor = x11.WaitForWindow("Texture replacement editor", kWait);
+    ASSERT_NE(editor, 0u) << ReadAll("play.log");
+    for (int i = 0; i < 100 && ReadAll("play.log").find("holding") == std::string::npos; ++i)
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    x11.Click(editor, 10 + 36, 170 + 12);  // Refresh: the held frame's patterns
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    x11.Click(editor, 60, 25 + 8);  // the first one, previewed
+    SaveDrawn(x11, editor, "texture-editor-player.png");
+    std::vector<uint8_t> rgba;
+    int w = 0, h = 0;
+    ASSERT_TRUE(x11.Capture(editor, rgba, w, h));
+    int coloured = 0;  // dots of the preview that are not its white
+    for (int y = 25; y < 25 + 64; ++y)
+        for (int x = 170; x < 170 + 64; ++x) coloured += rgba[static_cast<size_t>(y * w + x) * 4] != 255;
+    EXPECT_GT(coloured, 16);
+    kill(pid, SIGINT);
+    EXPECT_TRUE(x11.WaitForNoWindow("Texture replacement editor", kWait));
 }
 
 TEST_F(UiPlayerTest, ADisplayThatCannotBeReachedLeavesTheFramesOffscreenWithAMessage) {

@@ -137,6 +137,9 @@ private:
             }
             fl_open_display(display);
         }
+        // FLTK's own file chooser, never GTK's: the plug-in lives in the
+        // host's process, whose own toolkit may be GTK on another thread.
+        Fl::option(Fl::OPTION_FNFC_USES_GTK, false);
         Fl::lock();  // lets other threads wake the loop with Fl::awake
         {
             std::lock_guard<std::mutex> lock(queueMutex);
