@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "platform/dialogs.h"
+#include "platform/fltk/framed_group.h"
 #include "platform/ui_thread.h"
 #include "ui/background_viewer_presenter.h"
 
@@ -49,9 +50,7 @@ class CBackgroundViewerView final : public Fl_Window {
 public:
     explicit CBackgroundViewerView(std::atomic<void*>& handle)
         : Fl_Window(kControlsWidth + 8, kControlsHeight, ui::kViewerTitle), handle(handle) {
-        auto* group = new Fl_Group(10, 10, 212, 96, "Background");
-        group->box(FL_ENGRAVED_FRAME);
-        group->align(FL_ALIGN_TOP_LEFT | FL_ALIGN_INSIDE);
+        Fl_Group* group = FramedGroup(10, 10, 212, 96, "Background");
         for (int i = 0; i < 6; ++i) {
             boxes[i] = new Fl_Check_Button(20 + (i % 3) * 66, 32 + (i / 3) * 30, 64, 24, ui::kViewerBoxes[i].text);
             boxes[i]->callback(OnBox, reinterpret_cast<void*>(static_cast<intptr_t>(ui::kViewerBoxes[i].id)));

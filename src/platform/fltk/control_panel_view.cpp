@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "platform/dialogs.h"
+#include "platform/fltk/framed_group.h"
 #include "platform/fltk/control_panel_layout.h"
 #include "platform/ui_thread.h"
 #include "ui/control_panel_presenter.h"
@@ -22,12 +23,7 @@ namespace {
 
 constexpr double kRefreshSeconds = 0.5;
 
-Fl_Group* Frame(const panel::Rect& r, const char* label) {
-    auto* group = new Fl_Group(r.x, r.y, r.w, r.h, label);
-    group->box(FL_ENGRAVED_FRAME);
-    group->align(FL_ALIGN_TOP_LEFT | FL_ALIGN_INSIDE);
-    return group;
-}
+Fl_Group* Frame(const panel::Rect& r, const char* label) { return FramedGroup(r.x, r.y, r.w, r.h, label); }
 
 class CControlPanelView final : public Fl_Window {
 public:

@@ -21,6 +21,7 @@
 #include <vector>
 
 #include "platform/dialogs.h"
+#include "platform/fltk/framed_group.h"
 #include "platform/ui_thread.h"
 #include "ui/texture_editor_presenter.h"
 
@@ -65,19 +66,12 @@ private:
     std::vector<uint32_t> scaled;
 };
 
-Fl_Group* Frame(int x, int y, int w, int h, const char* label) {
-    auto* group = new Fl_Group(x, y, w, h, label);
-    group->box(FL_ENGRAVED_FRAME);
-    group->align(FL_ALIGN_TOP_LEFT | FL_ALIGN_INSIDE);
-    return group;
-}
-
 class CTextureEditorView final : public Fl_Window {
 public:
     CTextureEditorView(ui::CTextureEditorTarget& target, std::atomic<void*>& handle)
         : Fl_Window(730, 690, ui::kEditorTitle), presenter(target), handle(handle) {
         self = &presenter;
-        Frame(5, 5, 720, 290, "Textures in cache")->end();
+        FramedGroup(5, 5, 720, 290, "Textures in cache")->end();
         patterns = new Fl_Hold_Browser(10, 25, 150, 140);
         patterns->textsize(11);
         patterns->callback([](Fl_Widget* w, void*) { Of(w)->OnPatternRow(); });
@@ -94,7 +88,7 @@ public:
         patternPreview = new CPreview(ui::kPatternBox, 170, 25, FL_WHITE, self, &ui::CTextureEditorPresenter::PatternPicture,
                                       &ui::CTextureEditorPresenter::PatternPlacement);
 
-        Frame(5, 300, 720, 110, "Texture set management")->end();
+        FramedGroup(5, 300, 720, 110, "Texture set management")->end();
         sets = new Fl_Hold_Browser(10, 320, 200, 85);
         sets->callback([](Fl_Widget* w, void*) { Of(w)->OnSetRow(); });
         description = new Fl_Multiline_Output(215, 320, 250, 85);
@@ -112,7 +106,7 @@ public:
             ++i;
         }
 
-        associations = Frame(5, 415, 720, 270, "");
+        associations = FramedGroup(5, 415, 720, 270, "");
         associations->end();
         entries = new Fl_Hold_Browser(10, 435, 200, 160);
         entries->callback([](Fl_Widget* w, void*) { Of(w)->OnEntryRow(); });
