@@ -3,6 +3,7 @@
 // instance at a time: its handle (the plug-in's) is set while it is open and
 // emptied when it closes.
 #include <atomic>
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -28,7 +29,9 @@ bool OpenTextureEditor(ui::CTextureEditorTarget& target, std::atomic<void*>& han
 void CloseTextureEditor(std::atomic<void*>& handle);
 
 // Opens the VDP2 background viewer, or raises it. Any thread; does not wait.
-bool OpenBackgroundViewer(std::atomic<void*>& handle);
+// `refreshNow` is called on the UI thread when the user picks a background:
+// it serves the viewer at once when no frame is coming to do it.
+bool OpenBackgroundViewer(std::atomic<void*>& handle, std::function<void()> refreshNow);
 // What the emulation thread read for the open viewer at the end of a frame:
 // the information text and, after "View", the picture (null: none new).
 // Does not wait; a viewer closed meanwhile ignores it.

@@ -1,6 +1,7 @@
 // The plug-in's windows and dialogs, and how the lifecycle calls reach them.
 #include "plugin/user_interface.h"
 
+#include <atomic>
 #include <chrono>
 #include <cstdio>
 #include <memory>
@@ -29,6 +30,8 @@ struct UserInterface {
 };
 
 UserInterface* userInterface = nullptr;
+// Between EmulationThreadStarting and EmulationThreadStoping.
+std::atomic<bool> emulationRunning{false};
 
 }  // namespace
 
@@ -39,7 +42,13 @@ void CreateUserInterface() {
     u.openers.controlPanel = [] {
         if (userInterface) platform::OpenControlPanel(*userInterface->panel, plugin.controlPanelDialog);
     };
-    u.openers.backgroundViewer = [] { platform::OpenBackgroundViewer(plugin.backgroundViewerDialog); };
+    // While the emulation runs, the end of each frame serves the viewer; when
+    // it does not, nothing changes the backgrounds and a click is served at once.
+    u.openers.backgroundViewer = [] {
+        platform::OpenBackgroundViewer(plugin.backgroundViewerDialog, [] {
+            if (!emulationRunning.load()) ServeBackgroundViewer();
+        });
+    };
     u.openers.setChooser = [] { platform::OpenSetChooser(SetChooserTarget()); };
     u.openers.textureEditor = [] { platform::OpenTextureEditor(TextureEditorTarget(), plugin.textureEditorDialog); };
     u.menu = std::make_unique<ui::CChipMenuTarget>(*plugin.renderer, *plugin.vdp1, *plugin.vdp2, u.openers);
@@ -58,6 +67,7 @@ void DestroyUserInterface() {
 }
 
 void StartDisplay() {
+    emulationRunning = true;
     COpenGl& renderer = *plugin.renderer;
     platform::DisplayWindow* window = nullptr;
     if (!platform::IsHeadless() && userInterface) {
@@ -81,6 +91,7 @@ void StartDisplay() {
 }
 
 void StopDisplay() {
+    emulationRunning = false;
     if (plugin.renderer) plugin.renderer->ReleaseGl();
     auto* window = static_cast<platform::DisplayWindow*>(plugin.displayWindow.exchange(nullptr));
     // The editor goes with the display window; the panel and the viewer stay.
@@ -91,8 +102,10 @@ void StopDisplay() {
 void ServeBackgroundViewer() {
     if (!plugin.backgroundViewerDialog.load() || !plugin.vdp2) return;
     ui::CChipBackgroundSource source(*plugin.vdp2);
-    static std::string information;  // kept: no allocation a frame once it has grown
-    static ui::BackgroundPicture picture;
+    // Kept, so that a frame allocates nothing once they have grown; one pair
+    // a thread (the emulation thread's frames, the UI thread's idle clicks).
+    thread_local std::string information;
+    thread_local ui::BackgroundPicture picture;
     std::shared_ptr<const ui::BackgroundPicture> shown;
     if (ui::CBackgroundViewerPresenter::Serve(source, information, picture))
         shown = std::make_shared<const ui::BackgroundPicture>(std::move(picture));

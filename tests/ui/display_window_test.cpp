@@ -313,8 +313,19 @@ TEST(UiAboutTest, TheAboutBoxBeforeInitialisationAndThePanelWithoutADisplayWindo
     ASSERT_TRUE(library.Exports().InitVDPPlugin(nullptr));
     library.Exports().SetupPlugin();
     EXPECT_NE(x11.WaitForWindow(ui::kControlPanelTitle, kWait), 0u);
+    // The viewer with no emulation running: a click is served at once, not at a frame that never comes.
+    ASSERT_EQ(library.Exports().OpenDialog("viewer"), 1);
+    const unsigned long viewer = x11.WaitForWindow("VDP2 background viewer", kWait);
+    ASSERT_NE(viewer, 0u);
+    std::this_thread::sleep_for(200ms);
+    x11.Click(viewer, 30, 44), x11.Click(viewer, 100, 163);  // NBG0, View
+    bool grown = false;
+    // A background that shows nothing yet has an empty picture: the dialog takes its width plus 245 all the same.
+    for (int i = 0; i < 100 && !grown; ++i, std::this_thread::sleep_for(20ms)) grown = x11.Geometry(viewer).width >= 245;
+    EXPECT_TRUE(grown) << x11.Geometry(viewer).width;
     library.Exports().DeInitPlugin();
     EXPECT_TRUE(x11.WaitForNoWindow(ui::kControlPanelTitle, kWait));
+    EXPECT_TRUE(x11.WaitForNoWindow("VDP2 background viewer", kWait));
     EXPECT_EQ(ThreadCount(), threads);
 }
 

@@ -48,8 +48,9 @@ private:
 
 class CBackgroundViewerView final : public Fl_Window {
 public:
-    explicit CBackgroundViewerView(std::atomic<void*>& handle)
-        : Fl_Window(kControlsWidth + 8, kControlsHeight, ui::kViewerTitle), handle(handle) {
+    CBackgroundViewerView(std::atomic<void*>& handle, std::function<void()> refreshNow)
+        : Fl_Window(kControlsWidth + 8, kControlsHeight, ui::kViewerTitle), handle(handle),
+          refreshNow(std::move(refreshNow)) {
         Fl_Group* group = FramedGroup(10, 10, 212, 96, "Background");
         for (int i = 0; i < 6; ++i) {
             boxes[i] = new Fl_Check_Button(20 + (i % 3) * 66, 32 + (i / 3) * 30, 64, 24, ui::kViewerBoxes[i].text);
@@ -64,7 +65,11 @@ public:
             view->presenter.OnPlane(static_cast<Fl_Choice*>(w)->value());
         });
         auto* view = new Fl_Button(10, 151, 212, 25, "View");
-        view->callback([](Fl_Widget* w, void*) { static_cast<CBackgroundViewerView*>(w->window())->presenter.OnView(); });
+        view->callback([](Fl_Widget* w, void*) {
+            auto* viewer = static_cast<CBackgroundViewerView*>(w->window());
+            viewer->presenter.OnView();
+            if (viewer->refreshNow) viewer->refreshNow();
+        });
         information = new Fl_Box(10, 186, 212, kControlsHeight - 196, ui::kNoInformation);
         information->align(FL_ALIGN_TOP_LEFT | FL_ALIGN_INSIDE | FL_ALIGN_WRAP);
         information->labelsize(11);
@@ -101,10 +106,12 @@ private:
         auto* view = static_cast<CBackgroundViewerView*>(w->window());
         view->presenter.OnBackground(static_cast<int>(reinterpret_cast<intptr_t>(id)));
         for (int i = 0; i < 6; ++i) view->boxes[i]->value(view->presenter.IsChecked(ui::kViewerBoxes[i].id));
+        if (view->refreshNow) view->refreshNow();
     }
 
     ui::CBackgroundViewerPresenter presenter;
     std::atomic<void*>& handle;
+    std::function<void()> refreshNow;
     Fl_Check_Button* boxes[6] = {};
     Fl_Choice* planes = nullptr;
     Fl_Box* information = nullptr;
@@ -114,13 +121,13 @@ private:
 
 }  // namespace
 
-bool OpenBackgroundViewer(std::atomic<void*>& handle) {
-    return RunOnUiThread([&handle] {
+bool OpenBackgroundViewer(std::atomic<void*>& handle, std::function<void()> refreshNow) {
+    return RunOnUiThread([&handle, refreshNow = std::move(refreshNow)] {
         if (auto* open = static_cast<Fl_Window*>(handle.load())) {
             open->show();
             return;
         }
-        (new CBackgroundViewerView(handle))->show();
+        (new CBackgroundViewerView(handle, refreshNow))->show();
     });
 }
 

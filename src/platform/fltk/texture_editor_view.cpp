@@ -114,7 +114,7 @@ public:
         Button(112, 600, 98, 25, "Delete texture", nullptr, &ui::CTextureEditorPresenter::DeleteImage);
         Button(10, 629, 200, 25, ui::kAssociateButton.label, ui::kAssociateButton.tooltip,
                &ui::CTextureEditorPresenter::Associate);
-        Button(10, 658, 200, 25, "Switch replacement off", ui::kClearButton.tooltip,
+        Button(10, 658, 285, 25, ui::kClearButton.label, ui::kClearButton.tooltip,
                &ui::CTextureEditorPresenter::ClearAssociations);
         crc = new Fl_Box(215, 435, 80, 80);
         crc->align(FL_ALIGN_TOP_LEFT | FL_ALIGN_INSIDE | FL_ALIGN_WRAP);
