@@ -181,6 +181,7 @@ void VDPOnVblankOut(void) {
     plugin.vdp2->OnVblankOut();
     plugin.vdp1->Frame();
     vdpgl::ServeBackgroundViewer();
+    vdpgl::ServeTextureEditor();
 }
 
 void VDPOnHblankIn(void) {

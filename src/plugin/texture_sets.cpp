@@ -3,6 +3,8 @@
 #include "plugin/texture_sets.h"
 
 #include <algorithm>
+#include <chrono>
+#include <condition_variable>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
@@ -65,6 +67,43 @@ public:
     std::string SetFolder() const override { return plugin.replacementTextureSetPath; }
 };
 
+// A pattern snapshot read under the cache's lock.
+bool ReadPattern(uint32_t address, ui::PatternSnapshot& pattern, std::string& information) {
+    if (!plugin.vdp1) return false;
+    std::lock_guard lock(plugin.vdp1->cacheMutex);
+    const CVdp1CharacterPattern* p = plugin.vdp1->characterPatterns[(address & 0x7FFFF) >> 3];
+    if (!p || p->GetStartAddress() != address || p->width <= 0 || p->height <= 0) return false;
+    pattern.crc = p->GetCrc();
+    pattern.colorCtrl = p->GetColorCtrl();
+    pattern.width = p->width;
+    pattern.height = p->height;
+    pattern.rgba.assign(static_cast<size_t>(p->width) * static_cast<size_t>(p->height), 0u);
+    p->GetImage(pattern.rgba.data());
+    char text[256];
+    p->GetInformation(text, sizeof text);
+    information = text;
+    return true;
+}
+
+// The editor's question for the emulation thread, answered at the end of a frame.
+struct EditorRequest {
+    std::mutex mutex;
+    std::condition_variable served;
+    bool pending = false;
+    uint32_t address = 0;
+    bool found = false;
+    ui::PatternSnapshot pattern;
+    std::string information;
+
+    void Reset() {
+        pending = found = false;
+        address = 0;
+        pattern = {};
+        information.clear();
+    }
+};
+EditorRequest editorRequest;
+
 class CEditorTarget final : public ui::CTextureEditorTarget {
 public:
     std::vector<uint32_t> CachedPatterns() override {
@@ -82,21 +121,24 @@ public:
         addresses.erase(std::unique(addresses.begin(), addresses.end()), addresses.end());
         return addresses;
     }
+    // The picture is decoded from VRAM, which the game writes between frames
+    // without a lock: while frames come, the emulation thread reads it at the
+    // end of one (ServeTextureEditor); when none comes within a quarter
+    // second, nothing writes VRAM and it is read here.
     bool Pattern(uint32_t address, ui::PatternSnapshot& pattern, std::string& information) override {
-        if (!plugin.vdp1) return false;
-        std::lock_guard lock(plugin.vdp1->cacheMutex);
-        const CVdp1CharacterPattern* p = plugin.vdp1->characterPatterns[(address & 0x7FFFF) >> 3];
-        if (!p || p->GetStartAddress() != address || p->width <= 0 || p->height <= 0) return false;
-        pattern.crc = p->GetCrc();
-        pattern.colorCtrl = p->GetColorCtrl();
-        pattern.width = p->width;
-        pattern.height = p->height;
-        pattern.rgba.assign(static_cast<size_t>(p->width) * static_cast<size_t>(p->height), 0u);
-        p->GetImage(pattern.rgba.data());
-        char text[256];
-        p->GetInformation(text, sizeof text);
-        information = text;
-        return true;
+        std::unique_lock lock(editorRequest.mutex);
+        editorRequest.Reset();
+        editorRequest.address = address;
+        editorRequest.pending = true;
+        if (editorRequest.served.wait_for(lock, std::chrono::milliseconds(250), [] { return !editorRequest.pending; })) {
+            if (!editorRequest.found) return false;
+            pattern = std::move(editorRequest.pattern);
+            information = std::move(editorRequest.information);
+            return true;
+        }
+        editorRequest.pending = false;
+        lock.unlock();
+        return ReadPattern(address, pattern, information);
     }
     void WithSets(const std::function<void(ui::CReplacementSets&)>& use) override {
         std::lock_guard lock(setsMutex);
@@ -122,6 +164,14 @@ ui::CTextureEditorTarget& TextureEditorTarget() {
 ui::CSetChooserTarget& SetChooserTarget() {
     static CChooserTarget target;
     return target;
+}
+
+void ServeTextureEditor() {
+    std::lock_guard lock(editorRequest.mutex);
+    if (!editorRequest.pending) return;
+    editorRequest.found = ReadPattern(editorRequest.address, editorRequest.pattern, editorRequest.information);
+    editorRequest.pending = false;
+    editorRequest.served.notify_all();
 }
 
 void CreateTextureSets() {

@@ -18,5 +18,8 @@ ui::CSetChooserTarget& SetChooserTarget();
 // The cache's patterns (read under its lock) and the shared set model, for
 // the texture replacement editor.
 ui::CTextureEditorTarget& TextureEditorTarget();
+// At the end of each frame, on the emulation thread: the editor's pending
+// pattern read, made while nothing writes VRAM.
+void ServeTextureEditor();
 
 }  // namespace vdpgl
