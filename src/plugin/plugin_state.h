@@ -19,8 +19,6 @@ struct PluginState {
     CVdp1* vdp1 = nullptr;
     CVdp2* vdp2 = nullptr;
     std::atomic<void*> displayWindow{nullptr};
-    std::atomic<void*> displayThread{nullptr};
-    uint32_t displayThreadId = 0;
     std::atomic<void*> controlPanelDialog{nullptr};
     std::atomic<void*> backgroundViewerDialog{nullptr};
     std::atomic<void*> textureEditorDialog{nullptr};

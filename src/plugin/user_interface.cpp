@@ -113,20 +113,13 @@ void ServeBackgroundViewer() {
 }
 
 void OpenControlPanelForHost() {
-    if (!userInterface) {
+    if (!userInterface)
         std::fprintf(stderr, "vdpgl: the control panel opens once the plug-in is initialised\n");
-        return;
-    }
-    if (platform::IsHeadless()) {
+    else if (platform::IsHeadless())
         std::fprintf(stderr, "vdpgl: the control panel needs a display (DISPLAY is unset or VDPGL_HEADLESS=1)\n");
-        return;
-    }
-    if (platform::StartUiThread(true)) userInterface->openers.controlPanel();
+    else
+        OpenDialogByName("panel");
 }
-
-}  // namespace vdpgl
-
-namespace vdpgl {
 
 bool OpenDialogByName(const char* name) {
     if (!userInterface || !name || platform::IsHeadless() || !platform::StartUiThread(true)) return false;
