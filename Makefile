@@ -4,7 +4,7 @@ BUILD ?= build
 JOBS ?= $(shell nproc)
 CMAKE_FLAGS ?=
 
-.PHONY: all deps build test bench test-sanitize test-tsan coverage demo clean
+.PHONY: all deps build test bench bench-frames test-sanitize test-tsan coverage demo clean
 
 all: build
 
@@ -25,6 +25,13 @@ bench: deps
 	cmake -S . -B $(BUILD)-bench -G Ninja -DCMAKE_BUILD_TYPE=Release -DVDPGL_BUILD_BENCH=ON -DVDPGL_BUILD_TESTS=OFF
 	cmake --build $(BUILD)-bench -j $(JOBS) --target vdpgl_bench
 	$(BUILD)-bench/bench/vdpgl_bench $(BENCH_ARGS)
+
+# Whole frames: the stress scenes replayed offscreen by vdpgl-play --bench,
+# figures and charts into bench-results/ (SCENES picks some).
+bench-frames: deps
+	cmake -S . -B $(BUILD)-bench -G Ninja -DCMAKE_BUILD_TYPE=Release -DVDPGL_BUILD_BENCH=ON -DVDPGL_BUILD_TESTS=OFF
+	cmake --build $(BUILD)-bench -j $(JOBS) --target vdpgl vdpgl-play vdpgl-scenes
+	bash scripts/bench-frames $(BUILD)-bench $(SCENES)
 
 # The whole suite built with AddressSanitizer and UndefinedBehaviorSanitizer.
 # Leak checking is off: the GL driver unloads itself before the check runs
@@ -67,4 +74,4 @@ demo: deps $(BUILD)/build.ninja
 	@bash scripts/demo $(BUILD)
 
 clean:
-	rm -rf $(BUILD) $(BUILD)-bench $(BUILD)-asan $(BUILD)-tsan $(BUILD)-coverage demo-frames
+	rm -rf $(BUILD) $(BUILD)-bench $(BUILD)-asan $(BUILD)-tsan $(BUILD)-coverage demo-frames bench-results

@@ -66,6 +66,29 @@ typedef struct VdpglCacheCounters {
 } VdpglCacheCounters;
 VDPGL_EXPORT int GetCacheCounters(VdpglCacheCounters* counters);
 
+/* Where the last frame's time went: the CPU time of the thread that called
+ * VDPOnVblankOut, in milliseconds, for each phase of the frame. The walk of
+ * VDP1's command list and the parts it builds; VDP1's texture decoding,
+ * upload and release; VDP2's registers, the cell load pass and bitmaps;
+ * rotation sampling with its picture's upload; drawing submitted to GL; the
+ * swap and clear. The first call turns the measurement on (a clock read at
+ * each phase switch; until then a frame pays one flag test) and returns 0;
+ * later calls fill the record and return 1 once a frame has been measured.
+ * Call it on the emulation thread, between frames. */
+enum {
+    VDPGL_PHASE_WALK,
+    VDPGL_PHASE_TEXTURES,
+    VDPGL_PHASE_VDP2,
+    VDPGL_PHASE_ROTATION,
+    VDPGL_PHASE_SUBMIT,
+    VDPGL_PHASE_SWAP,
+    VDPGL_PHASE_COUNT
+};
+typedef struct VdpglFrameProfile {
+    double milliseconds[VDPGL_PHASE_COUNT];
+} VdpglFrameProfile;
+VDPGL_EXPORT int GetFrameProfile(VdpglFrameProfile* profile);
+
 /* Loads the replacement texture set of this name (a folder under
  * replacement_texture_set/ in the directory of InitVDPPlugin), replacing the
  * loaded set and its unsaved changes, and activates it: from the next frame,

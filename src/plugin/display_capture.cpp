@@ -1,6 +1,7 @@
 // The exports beside the host interface, for hosts, tests and the player's
 // report: the rendering size, a copy of the picture presented by the last
-// swap, and what the caches hold.
+// swap, what the caches hold, and where the last frame's time went.
+#include "common/frame_profile.h"
 #include "plugin/plugin_state.h"
 #include "render/opengl/opengl.h"
 #include "ui/chip_targets.h"
@@ -27,6 +28,15 @@ int GetCacheCounters(VdpglCacheCounters* counters) {
     if (!counters || !vdp2) return 0;
     vdpgl::ReadCacheCounters(*vdp2, *counters);
     return 1;
+}
+
+int GetFrameProfile(VdpglFrameProfile* profile) {
+    vdpgl::CFrameProfile& frames = vdpgl::FrameProfile();
+    if (!frames.Enabled()) {
+        frames.Enable();
+        return 0;
+    }
+    return profile && frames.LastFrame(profile->milliseconds) ? 1 : 0;
 }
 
 }  // extern "C"

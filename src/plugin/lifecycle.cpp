@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <system_error>
 
+#include "common/frame_profile.h"
 #include "plugin/plugin_state.h"
 #include "plugin/plugin_texts.h"
 #include "plugin/texture_sets.h"
@@ -178,8 +179,12 @@ void VDPOnVblankOut(void) {
     VDPGL_RECORD_EVENT(VDPOnVblankOut);
     if (!plugin.vdp1) return;
     plugin.renderer->ApplyPendingChanges();
-    plugin.vdp2->OnVblankOut();
+    {
+        vdpgl::CPhaseScope registers(vdpgl::kPhaseVdp2);
+        plugin.vdp2->OnVblankOut();
+    }
     plugin.vdp1->Frame();
+    vdpgl::FrameProfile().EndFrame();
     vdpgl::ServeBackgroundViewer();
     vdpgl::ServeTextureEditor();
 }

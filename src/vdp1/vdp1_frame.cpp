@@ -2,6 +2,7 @@
 // control, the walk, the eight priority levels from back to front (VDP2's
 // backgrounds, then VDP1's parts of each level), swap, erase, and the purge
 // of patterns whose VRAM changed.
+#include "common/frame_profile.h"
 #include "render/opengl/opengl.h"
 #include "vdp1/vdp1.h"
 #include "vdp2/vdp2.h"
@@ -12,7 +13,13 @@ void CVdp1::Frame() {
     const Vdp1FrameActions actions = FrameControl();
     if (actions.draw) {
         log.Log("starts drawing\n");
-        BuildPartsListVectors();
+        {
+            CPhaseScope walk(kPhaseWalk);
+            BuildPartsListVectors();
+        }
+        // Drawing is submission, but for the backgrounds' loading and
+        // sampling, which charge their own phases.
+        CPhaseScope submit(kPhaseSubmit);
         log.Log("\nstarting to draw current frame\n");
         for (int priority = 0; priority < kPriorityCount; ++priority) {
             log.Log("priority: %d\n", priority);
@@ -23,6 +30,7 @@ void CVdp1::Frame() {
             log.Log("number of parts drawn: %d\n", static_cast<int>(parts.size()));
         }
     }
+    CPhaseScope swap(kPhaseSwap);
     if (actions.swap) {
         renderer.SwapFrameBuffers();
         log.Log("flip framebuffer\n");
@@ -31,6 +39,7 @@ void CVdp1::Frame() {
         renderer.ClearFrameBuffer();
         log.Log("erase framebuffer\n");
     }
+    CPhaseScope purge(kPhaseTextures);
     PurgeModifiedPatterns();
 #if VDPGL_TRACE
     int distinct = 0;

@@ -228,7 +228,14 @@ TEST_F(HostVdp1FrameTest, PartsInCommandOrderColourBankSpritesLastAndLocalCoordi
     expected.Sprite(Expected(rgb, 0), 140, 95, 156, 103);
     expected.Fill(170, 110, 180, 115, ShapeColour(0x7FFF));
     expected.Sprite(Expected(bank, 0x0300), 30, 30, 46, 38);
+    x().GetFrameProfile(nullptr);  // turns the measurement on
     ExpectFrame(expected);
+    // The frame's time by phase: it walked, made textures and drew.
+    VdpglFrameProfile profile{};
+    ASSERT_EQ(x().GetFrameProfile(&profile), 1);
+    for (int phase : {VDPGL_PHASE_WALK, VDPGL_PHASE_TEXTURES, VDPGL_PHASE_SUBMIT, VDPGL_PHASE_SWAP})
+        EXPECT_GT(profile.milliseconds[phase], 0.0) << phase;
+    EXPECT_EQ(profile.milliseconds[VDPGL_PHASE_ROTATION], 0.0);
 }
 
 TEST_F(HostVdp1FrameTest, OnePatternShowsEachPaletteFromTheCacheAndItsNewTexelsOnceRewritten) {

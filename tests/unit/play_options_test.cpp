@@ -20,6 +20,9 @@ TEST(PlayOptionsTest, ValuesAfterAnEqualsSignAndMistakesNamed) {
                          o->scaleGiven, o->headless, o->rotationSampling, o->fast, o->loop),
               std::tuple(30L, "d", 5L, 2.5f, "p.so", "-", true, true, false, "screen", true, false));
     EXPECT_TRUE(ParsePlayOptions({"--loop", "a.trace"}, error)->loop);
+    const auto figures = ParsePlayOptions({"--bench-json", "f.json", "--bench-chart=f.svg", "a.trace"}, error);
+    EXPECT_EQ(std::tuple(figures->bench, figures->benchJson, figures->benchChart), std::tuple(true, "f.json", "f.svg"))
+        << "a file of figures asks for the benchmark";
     EXPECT_EQ(ParsePlayOptions({"--texture-set=pack", "a.trace"}, error)->textureSet, "pack");
     const auto held = ParsePlayOptions({"--open", "viewer", "--pause-at", "60", "a.trace"}, error);
     EXPECT_EQ(std::pair(held->openDialog, held->pauseAt), std::pair(std::string("viewer"), 60L));
@@ -33,7 +36,8 @@ TEST(PlayOptionsTest, ValuesAfterAnEqualsSignAndMistakesNamed) {
         {{"--loop", "-"}, "--loop needs a trace file"},
         {{"--scale", "1.5", "a"}, "--scale must be one of"},
         {{"--texture-set", "../x", "a"}, "--texture-set needs the name of a set"},
-        {{"--open", "menu", "a"}, "--open takes panel, viewer or editor"}, {{"--pause-at", "x", "a"}, "--pause-at needs"}};
+        {{"--open", "menu", "a"}, "--open takes panel, viewer or editor"}, {{"--pause-at", "x", "a"}, "--pause-at needs"},
+        {{"--bench-json=", "a"}, "--bench-json needs a file name"}};
     for (const auto& c : cases) {
         EXPECT_FALSE(ParsePlayOptions(c.arguments, error));
         EXPECT_NE(error.find(c.message), std::string::npos) << error;

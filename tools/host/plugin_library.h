@@ -28,6 +28,7 @@ namespace vdpgl::host {
     X(GetDisplaySize, void, (int*, int*))                        \
     X(CaptureDisplay, int, (unsigned char*, int, int))           \
     X(GetCacheCounters, int, (VdpglCacheCounters*))              \
+    X(GetFrameProfile, int, (VdpglFrameProfile*))                \
     X(ActivateTextureSet, int, (const char*))                    \
     X(OpenDialog, int, (const char*))                            \
     X(WriteByteVDP1FrameBuffer, void, (uint32_t, uint8_t))       \

@@ -3,11 +3,12 @@
 // save frames as PNG files and report frame times.
 #include <unistd.h>
 
-#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <cstdio>
+#include <cerrno>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <thread>
 
@@ -25,16 +26,17 @@ std::string DefaultPluginPath() {
     return ec ? std::string("libvdpgl.so") : (self.parent_path() / "libvdpgl.so").string();
 }
 
-void ReportBench(const vdpgl::play::PlayResult& result) {
-    if (result.frameMilliseconds.empty()) {
-        std::printf("bench: no frames\n");
-        return;
-    }
-    std::vector<double> times = result.frameMilliseconds;
-    std::sort(times.begin(), times.end());
-    const double fps = result.seconds > 0 ? static_cast<double>(result.frames) / result.seconds : 0.0;
-    std::printf("bench: %ld frames in %.3f s: %.1f frames/s; frame time min %.3f ms, median %.3f ms, max %.3f ms\n",
-                result.frames, result.seconds, fps, times.front(), times[times.size() / 2], times.back());
+bool WriteFile(const std::string& path, const std::string& text) {
+    std::FILE* f = std::fopen(path.c_str(), "wb");
+    bool ok = f && std::fwrite(text.data(), 1, text.size(), f) == text.size();
+    if (f && std::fclose(f) != 0) ok = false;
+    if (!ok) std::fprintf(stderr, "vdpgl-play: cannot write \"%s\": %s\n", path.c_str(), std::strerror(errno));
+    return ok;
+}
+
+// The benchmark's report; false when a file it was asked for cannot be written.
+bool ReportBench(const vdpgl::play::PlayResult& result, const vdpgl::play::PlayOptions& options) {
+    std::printf("%s", vdpgl::play::BenchSummary(result.bench).c_str());
     const VdpglCacheCounters& c = result.peakCaches;
     constexpr double kMiB = 1024.0 * 1024.0;
     std::printf("bench: caches at their fullest: VDP1 %u patterns, %u textures, %.1f MiB of %.0f MiB; "
@@ -42,6 +44,10 @@ void ReportBench(const vdpgl::play::PlayResult& result) {
                 c.vdp1Patterns, c.vdp1Textures, static_cast<double>(c.vdp1TextureBytes) / kMiB,
                 static_cast<double>(c.vdp1TextureBudget) / kMiB, c.vdp2Cells, c.vdp2Pictures,
                 static_cast<double>(c.vdp2CellBytes) / kMiB);
+    bool ok = true;
+    if (!options.benchJson.empty()) ok = WriteFile(options.benchJson, vdpgl::play::BenchJson(result.bench)) && ok;
+    if (!options.benchChart.empty()) ok = WriteFile(options.benchChart, vdpgl::play::BenchChart(result.bench)) && ok;
+    return ok;
 }
 
 }  // namespace
@@ -118,7 +124,7 @@ int main(int argc, char** argv) {
     vdpgl::play::CTracePlayer player(library.Exports(), reader,
                                      {options->frames, options->captureDir, options->captureEvery,
                                       windowed && !options->fast && !options->bench, options->loop,
-                                      options->tracePath, options->openDialog, options->pauseAt});
+                                      options->tracePath, options->openDialog, options->pauseAt, options->bench});
     // Ctrl-C ends the replay as its end would: emulation stopped, plug-in
     // shut down, no thread left behind.
     std::signal(SIGINT, [](int) { vdpgl::play::CTracePlayer::Stop(); });
@@ -146,7 +152,7 @@ int main(int argc, char** argv) {
     std::printf("%ld frames played", result.frames);
     if (result.captures) std::printf(", %ld written to %s", result.captures, options->captureDir.c_str());
     std::printf("\n");
-    if (options->bench) ReportBench(result);
+    const bool reported = !options->bench || ReportBench(result, *options);
     if (!result.ok) {
         std::fprintf(stderr, "vdpgl-play: %s\n", result.error.c_str());
         return kFailed;
@@ -157,5 +163,5 @@ int main(int argc, char** argv) {
                      static_cast<unsigned long long>(reader.TrailingOffset()));
     if (!result.complete && options->frames < 0 && !result.interrupted)
         std::fprintf(stderr, "vdpgl-play: note: the trace has no end record (its recording was cut short)\n");
-    return kOk;
+    return reported ? kOk : kFailed;
 }

@@ -22,7 +22,10 @@ std::string Usage() {
            "  --open panel|viewer|editor\n"
            "                      open the control panel, the background viewer or the texture editor\n"
            "  --pause-at N        hold the replay at frame N (its V-blanks repeat) until Ctrl-C\n"
-           "  --bench             report frames per second and frame times (plays as fast as it can)\n"
+           "  --bench             report frames per second, frame times and where each frame's CPU time\n"
+           "                      went (plays as fast as it can)\n"
+           "  --bench-json FILE   write the benchmark's figures, every frame's too, as JSON (implies --bench)\n"
+           "  --bench-chart FILE  draw every frame's time, stacked by phase, as an SVG chart (implies --bench)\n"
            "  --fast              do not pace a windowed replay at the console's 60 frames a second\n"
            "  --loop              start the trace again at its end, until Ctrl-C\n"
            "  --help              this text\n";
@@ -71,6 +74,14 @@ std::optional<PlayOptions> ParsePlayOptions(const std::vector<std::string>& argu
             options.fast = true;
         } else if (name == "--loop") {
             options.loop = true;
+        } else if (name == "--bench-json" || name == "--bench-chart") {
+            if (!takeValue()) return std::nullopt;
+            if (value.empty()) {
+                error = name + " needs a file name";
+                return std::nullopt;
+            }
+            (name == "--bench-json" ? options.benchJson : options.benchChart) = value;
+            options.bench = true;
         } else if (name == "--plugin") {
             if (!takeValue()) return std::nullopt;
             options.pluginPath = value;

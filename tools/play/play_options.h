@@ -20,6 +20,8 @@ struct PlayOptions {
     std::string openDialog;  // "panel" or "viewer" to open in the window; empty: none
     long pauseAt = -1;       // hold the replay at this frame; -1: never
     bool bench = false;
+    std::string benchJson;   // write the benchmark's figures here as JSON (implies bench)
+    std::string benchChart;  // draw every frame's time here as SVG (implies bench)
     bool fast = false;  // no pacing at the console's frame rate (--bench implies it)
     bool loop = false;  // start the trace again at its end
     bool help = false;

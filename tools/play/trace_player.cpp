@@ -38,7 +38,13 @@ void CTracePlayer::Dispatch(const trace::Record& r) {
                 x.Reset();
                 break;
             }
-            x.InitVDPPlugin(nullptr);
+            {
+                const auto start = std::chrono::steady_clock::now();
+                x.InitVDPPlugin(nullptr);
+                if (settings.profile && !initialised)
+                    bench.initMilliseconds =
+                        std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
+            }
             initialised = true;
             break;
         case Event::DeInitPlugin:
@@ -65,7 +71,20 @@ void CTracePlayer::Dispatch(const trace::Record& r) {
             running = false;
             break;
         case Event::VDPOnVblankIn: x.VDPOnVblankIn(); break;
-        case Event::VDPOnVblankOut: x.VDPOnVblankOut(); break;
+        case Event::VDPOnVblankOut:
+            if (settings.profile) {
+                const double start = ThreadCpuMilliseconds();
+                x.VDPOnVblankOut();
+                sample.vblankOut += ThreadCpuMilliseconds() - start;
+                VdpglFrameProfile phases{};
+                if (x.GetFrameProfile(&phases)) {
+                    bench.phasesMeasured = true;
+                    for (int p = 0; p < VDPGL_PHASE_COUNT; ++p) sample.phases[p] += phases.milliseconds[p];
+                }
+            } else {
+                x.VDPOnVblankOut();
+            }
+            break;
         case Event::VDPOnHblankIn: x.VDPOnHblankIn(); break;
         case Event::VDPOnHblankOut: x.VDPOnHblankOut(); break;
         default: break;
@@ -125,8 +144,11 @@ bool CTracePlayer::EndFrame(PlayResult& result) {
     }
     if (frame == settings.pauseAt) Hold();
     const auto now = std::chrono::steady_clock::now();
-    result.frameMilliseconds.push_back(std::chrono::duration<double, std::milli>(now - frameStart).count());
+    sample.wall = std::chrono::duration<double, std::milli>(now - frameStart).count();
+    bench.frames.push_back(sample);
+    sample = FrameSample{};
     frameStart = now;
+    if (settings.profile && result.frames == 100) bench.residentKiBAt100 = ResidentKiB();
     if (onFrame) {
         const double size = static_cast<double>(reader.FileSize());
         onFrame(result.frames, size > 0 ? static_cast<double>(reader.Position()) / size : -1.0);
@@ -151,19 +173,62 @@ void CTracePlayer::Finish() {
     running = initialised = false;
 }
 
+trace::CTraceReader::Status CTracePlayer::ReadFrame(bool& frameEnd) {
+    // A trace without frame records is replayed in pieces of this many.
+    constexpr size_t kMostRecords = 1 << 16;
+    batch.clear();
+    frameEnd = false;
+    trace::Record record;
+    while (batch.size() < kMostRecords) {
+        const trace::CTraceReader::Status status = reader.Next(record);
+        if (status != trace::CTraceReader::Status::Record) return status;
+        if (record.kind == trace::Record::Kind::Frame) {
+            frameEnd = true;
+            break;
+        }
+        batch.push_back(record);
+    }
+    return trace::CTraceReader::Status::Record;
+}
+
+bool CTracePlayer::ReplayFrame(PlayResult& result) {
+    const double start = settings.profile ? ThreadCpuMilliseconds() : 0.0;
+    const double vblankBefore = sample.vblankOut;
+    for (const trace::Record& r : batch) {
+        if (stopRequested.load(std::memory_order_relaxed)) {
+            result.interrupted = true;
+            return false;
+        }
+        Dispatch(r);
+    }
+    if (settings.profile) sample.replay += ThreadCpuMilliseconds() - start - (sample.vblankOut - vblankBefore);
+    return true;
+}
+
 PlayResult CTracePlayer::Play() {
     PlayResult result;
     const auto start = std::chrono::steady_clock::now();
     frameStart = start;
     nextFrameDue = start;
-    trace::Record record;
+    sample = FrameSample{};
+    bench = BenchRun{};
+    // The first call turns the plug-in's measurement on.
+    if (settings.profile) x.GetFrameProfile(nullptr);
     bool more = settings.frames != 0;
     while (more) {
         if (stopRequested.load(std::memory_order_relaxed)) {
             result.interrupted = true;
             break;
         }
-        const trace::CTraceReader::Status status = reader.Next(record);
+        // A frame's records are read, then replayed: reading the file is
+        // the player's time, not the plug-in's.
+        bool frameEnd = false;
+        const trace::CTraceReader::Status status = ReadFrame(frameEnd);
+        if (!ReplayFrame(result)) break;
+        if (frameEnd) {
+            more = EndFrame(result);
+            continue;
+        }
         if (status == trace::CTraceReader::Status::End) {
             result.complete = reader.SawEndRecord();
             // A loop plays the whole trace again.
@@ -175,13 +240,14 @@ PlayResult CTracePlayer::Play() {
             result.error = reader.Error();
             break;
         }
-        if (record.kind == trace::Record::Kind::Frame)
-            more = EndFrame(result);
-        else
-            Dispatch(record);
     }
+    // Memory as the last frame left it, before the plug-in is shut down.
+    if (settings.profile) bench.residentKiBAtEnd = ResidentKiB();
     Finish();
     result.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    bench.trace = settings.tracePath;
+    bench.seconds = result.seconds;
+    result.bench = std::move(bench);
     return result;
 }
 

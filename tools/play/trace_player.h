@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "bench_report.h"
 #include "plugin_library.h"
 #include "trace/trace_reader.h"
 
@@ -23,6 +24,7 @@ struct PlayerSettings {
     std::string tracePath;    // to open the trace again for a loop
     std::string openDialog;   // a dialog to open once the emulation has started
     long pauseAt = -1;        // hold the replay at this frame, its V-blanks repeating
+    bool profile = false;     // measure each frame's phases (the benchmark)
 };
 
 struct PlayResult {
@@ -32,7 +34,9 @@ struct PlayResult {
     long frames = 0;              // frames replayed
     long captures = 0;            // PNG files written
     bool complete = false;        // the trace's end record was reached
-    std::vector<double> frameMilliseconds;  // wall time of each frame
+    // Each frame's figures: its wall time, and with `profile` where its
+    // CPU time went; the run's InitVDPPlugin time and resident memory.
+    BenchRun bench;
     double seconds = 0.0;         // of the whole replay
     VdpglCacheCounters caches{};  // after the last frame
     VdpglCacheCounters peakCaches{};  // the most bytes each cache held after a frame
@@ -58,7 +62,14 @@ private:
     // Leaves the plug-in as a host would at the end: stopped and shut down.
     void Finish();
     void Hold();
+    // Reads the records up to the next frame's end into `batch`.
+    trace::CTraceReader::Status ReadFrame(bool& frameEnd);
+    // Replays `batch`; false when a stop was asked for on the way.
+    bool ReplayFrame(PlayResult& result);
     bool dialogOpened = false;
+    std::vector<trace::Record> batch;
+    FrameSample sample;  // the frame being replayed
+    BenchRun bench;
 
     const host::PluginExports& x;
     trace::CTraceReader& reader;

@@ -9,9 +9,11 @@
 #include <cstdio>
 #include <filesystem>
 #include <mutex>
+#include <optional>
 
 #include "common/consistency_check.h"
 #include "common/console_vram.h"
+#include "common/frame_profile.h"
 #include "platform/message_box.h"
 #include "vdp1/vdp1_character_pattern/texture_dump.h"
 #include "render/opengl/opengl.h"
@@ -227,7 +229,10 @@ CVdp1CharacterPattern* CVdp1CharacterPattern::UseTexture(CVdp1SpritePart& part) 
     CVdp1Texture* texture = nullptr;
     while (pattern && pattern->Compare(part, &texture) == kPatternOtherPart) pattern = pattern->nextVariant;
     const bool found = texture != nullptr;
+    // Decoding, uploading and giving back are the textures' share of a frame.
+    std::optional<CPhaseScope> decoding;
     if (!found) {
+        decoding.emplace(kPhaseTextures);
         if (!RoomForAnotherTexture()) return pattern;
         if (!pattern) {
             if (group && group->VariantCount() >= kMaxVariants) {

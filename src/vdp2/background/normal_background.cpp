@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "common/consistency_check.h"
+#include "common/frame_profile.h"
 #include "render/opengl/opengl.h"
 #include "vdp2/background/background_names.h"
 #include "vdp2/background/plane_addresses.h"
@@ -147,7 +148,10 @@ void CNormalBackground::DrawCellMode() {
     trace.Log("NBG%d : DrawCellMode()\n", static_cast<int>(bgNumber));
     if (scaleX <= 0.0f || scaleY <= 0.0f) return;  // a zero zoom shows nothing
     if (!planesCreated) CreatePlaneTextures();
-    LoadVisibleCharacters();
+    {
+        CPhaseScope loading(kPhaseVdp2);
+        LoadVisibleCharacters();
+    }
     DrawPlanePieces();
 }
 

@@ -3,6 +3,7 @@
 // address changed, and drawn repeated across the screen.
 #include "common/color_word.h"
 #include "common/console_vram.h"
+#include "common/frame_profile.h"
 #include "render/opengl/opengl.h"
 #include "vdp2/cram_colors.h"
 #include "vdp2/background/normal_background.h"
@@ -111,6 +112,7 @@ void CNormalBackground::DrawBitmapMode() {
         bitmapDirty = 1;
     }
     if (bitmapDirty) {
+        CPhaseScope decoding(kPhaseVdp2);
         // A bitmap written many times between two frames is decoded once.
         bitmapPixels.assign(static_cast<size_t>(bitmapWidth) * bitmapHeight, 0u);
         DecodeBitmap(bitmapPixels.data());

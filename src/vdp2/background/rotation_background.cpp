@@ -4,6 +4,7 @@
 
 #include <cmath>
 
+#include "common/frame_profile.h"
 #include "render/opengl/opengl.h"
 #include "vdp2/background/plane_addresses.h"
 #include "vdp2/background/rotation_parameters.h"
@@ -189,6 +190,7 @@ void CRotationBackground::PrepareParameter(uint32_t p, Parameter& out) const {
 }
 
 void CRotationBackground::DrawPicture(uint32_t mode, const RotationParameterWindow* window) {
+    CPhaseScope sampling(kPhaseRotation);  // and the picture's upload
     const CVdp2& v = *vdp2;
     const CConsoleVram& vram = v.vram;
     Parameter parameters[2];

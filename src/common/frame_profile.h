@@ -1,0 +1,68 @@
+#pragma once
+// Where a frame's time goes: the CPU time of the emulation thread, split
+// into the phases of a frame. Off until someone asks for the figures (the
+// player's benchmark), so a host pays one flag test per phase switch.
+// Phases nest: texture decoding during the walk is charged to the textures,
+// and the walk resumes after it.
+#include <atomic>
+#include <cstdint>
+
+#include "vdpgl/vdpgl.h"
+
+namespace vdpgl {
+
+enum FramePhase : int {
+    kPhaseWalk = VDPGL_PHASE_WALK,
+    kPhaseTextures = VDPGL_PHASE_TEXTURES,
+    kPhaseVdp2 = VDPGL_PHASE_VDP2,
+    kPhaseRotation = VDPGL_PHASE_ROTATION,
+    kPhaseSubmit = VDPGL_PHASE_SUBMIT,
+    kPhaseSwap = VDPGL_PHASE_SWAP,
+    kPhaseCount = VDPGL_PHASE_COUNT,
+    kPhaseNone = -1,
+};
+
+class CFrameProfile {
+public:
+    void Enable() { enabled.store(true, std::memory_order_relaxed); }
+    bool Enabled() const { return enabled.load(std::memory_order_relaxed); }
+
+    // Charges the time since the last switch to the running phase and makes
+    // `phase` the running one; returns the phase it interrupted.
+    FramePhase Switch(FramePhase phase);
+    // The end of a frame: its figures become the last frame's.
+    void EndFrame();
+    // The last frame's milliseconds per phase; false before the first.
+    bool LastFrame(double (&milliseconds)[kPhaseCount]) const;
+
+private:
+    std::atomic<bool> enabled{false};
+    FramePhase running = kPhaseNone;
+    int64_t since = 0;  // nanoseconds of thread CPU time
+    int64_t sums[kPhaseCount] = {};
+    double last[kPhaseCount] = {};
+    bool haveLast = false;
+};
+
+// The plug-in's one profile (the plug-in is one per process).
+CFrameProfile& FrameProfile();
+
+// Runs its scope as one phase, then resumes the phase it interrupted.
+class CPhaseScope {
+public:
+    explicit CPhaseScope(FramePhase phase) : profile(FrameProfile()) {
+        if (profile.Enabled()) previous = profile.Switch(phase), active = true;
+    }
+    ~CPhaseScope() {
+        if (active) profile.Switch(previous);
+    }
+    CPhaseScope(const CPhaseScope&) = delete;
+    CPhaseScope& operator=(const CPhaseScope&) = delete;
+
+private:
+    CFrameProfile& profile;
+    FramePhase previous = kPhaseNone;
+    bool active = false;
+};
+
+}  // namespace vdpgl
