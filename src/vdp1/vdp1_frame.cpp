@@ -29,6 +29,7 @@ void CVdp1::Frame() {
             for (CVdp1Part* part : parts) part->Draw();
             log.Log("number of parts drawn: %d\n", static_cast<int>(parts.size()));
         }
+        renderer.FlushDrawing();
     }
     CPhaseScope swap(kPhaseSwap);
     if (actions.swap) {

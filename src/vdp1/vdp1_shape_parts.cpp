@@ -3,6 +3,7 @@
 // vertex. A polygon of colour 0 clears the picture instead of drawing.
 #include "render/opengl/opengl.h"
 #include "vdp1/vdp1_part.h"
+#include "vdp1/vdp1_part_drawing.h"
 
 namespace vdpgl {
 
@@ -31,7 +32,7 @@ void CVdp1Polygon::Draw() {
     if (clearsScreen)
         shared.renderer->RequestClear();
     else
-        shared.renderer->DrawPolygon(*this);
+        AppendPolygon(shared.renderer->Drawing(), *this);
 }
 
 CVdp1Polyline::CVdp1Polyline(const Vdp1CommandTable& c, int32_t localX, int32_t localY) : CVdp1ShapePart(c) {
@@ -40,7 +41,7 @@ CVdp1Polyline::CVdp1Polyline(const Vdp1CommandTable& c, int32_t localX, int32_t 
 }
 
 void CVdp1Polyline::Draw() {
-    if (shared.renderer) shared.renderer->DrawPolyline(*this);
+    if (shared.renderer) AppendPolyline(shared.renderer->Drawing(), *this);
 }
 
 CVdp1Line::CVdp1Line(const Vdp1CommandTable& c, int32_t localX, int32_t localY) : CVdp1ShapePart(c) {
@@ -49,7 +50,7 @@ CVdp1Line::CVdp1Line(const Vdp1CommandTable& c, int32_t localX, int32_t localY) 
 }
 
 void CVdp1Line::Draw() {
-    if (shared.renderer) shared.renderer->DrawLine(*this);
+    if (shared.renderer) AppendLine(shared.renderer->Drawing(), *this);
 }
 
 }  // namespace vdpgl

@@ -3,6 +3,7 @@
 #include "render/opengl/opengl.h"
 #include "vdp1/vdp1_character_pattern/vdp1_character_pattern.h"
 #include "vdp1/vdp1_part.h"
+#include "vdp1/vdp1_part_drawing.h"
 
 namespace vdpgl {
 
@@ -67,7 +68,7 @@ CVdp1SpritePart::CVdp1SpritePart(const Vdp1CommandTable& c) : CVdp1Part(c) {
 }
 
 void CVdp1SpritePart::DrawTextured() {
-    if (!notDrawn && shared.renderer) shared.renderer->DrawTexturedPart(*this);
+    if (!notDrawn && shared.renderer) AppendSprite(shared.renderer->Drawing(), *this);
 }
 
 CVdp1NormalSprite::CVdp1NormalSprite(const Vdp1CommandTable& c, int32_t localX, int32_t localY)

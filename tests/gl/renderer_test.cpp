@@ -12,6 +12,7 @@
 #include "render/opengl/gl_headers.h"
 #include "render/opengl/opengl.h"
 #include "vdp1/vdp1_part.h"
+#include "vdp1/vdp1_part_drawing.h"
 
 namespace vdpgl {
 namespace {
@@ -92,9 +93,9 @@ TEST_F(RendererTest, EmulatedScreenFillsTheViewportAtEveryScale) {
         SCOPED_TRACE(c.scale);
         gl.SetRenderingScale(c.scale);
         gl.ApplyPendingChanges();
-        gl.DrawPolygon(Box(10, 10, 26, 20, kRed));
-        gl.DrawPolygon(Box(300, 200, 320, 224, kGreen));  // up to the right and bottom edges
-        gl.DrawPolygon(Box(100, 0, 110, 2, kBlue));       // from the top row
+        AppendPolygon(gl.Drawing(), Box(10, 10, 26, 20, kRed));
+        AppendPolygon(gl.Drawing(), Box(300, 200, 320, 224, kGreen));  // up to the right and bottom edges
+        AppendPolygon(gl.Drawing(), Box(100, 0, 110, 2, kBlue));       // from the top row
         Present();
         ASSERT_EQ(width, c.width);
         ASSERT_EQ(height, c.height);
@@ -109,15 +110,15 @@ TEST_F(RendererTest, EmulatedScreenFillsTheViewportAtEveryScale) {
 
 TEST_F(RendererTest, WireframeOutlinesPolygonsAndBackgroundsOnceChangesApply) {
     FillPlane(0, 0, kWhite);
-    gl.DrawPolygon(Box(0, 0, 320, 224, kGreen));
+    AppendPolygon(gl.Drawing(), Box(0, 0, 320, 224, kGreen));
     gl.SetWireframe(true);
-    gl.DrawPolygon(Box(20, 20, 80, 80, kRed));  // not applied yet: filled
+    AppendPolygon(gl.Drawing(), Box(20, 20, 80, 80, kRed));  // not applied yet: filled
     gl.ApplyPendingChanges();
-    gl.DrawPolygon(Box(100, 20, 160, 80, kRed));
+    AppendPolygon(gl.Drawing(), Box(100, 20, 160, 80, kRed));
     DrawPlaneAt(0, 0, 180, 20, 60, 60);
     gl.SetWireframe(false);
     gl.ApplyPendingChanges();
-    gl.DrawPolygon(Box(20, 120, 80, 180, kRed));
+    AppendPolygon(gl.Drawing(), Box(20, 120, 80, 180, kRed));
     DrawPlaneAt(0, 0, 100, 120, 60, 60);
     Present();
     // Filled, outlines that leave the inside as it was, filled again.
@@ -212,9 +213,9 @@ TEST_F(RendererTest, AFilteredBackgroundBlendsNeighbouringDotsWhereNearestKeepsT
 }
 
 TEST_F(RendererTest, SwapsExchangeTwoPicturesAndClearsEmptyTheNextOne) {
-    gl.DrawPolygon(Box(0, 0, 10, 10, kRed));
+    AppendPolygon(gl.Drawing(), Box(0, 0, 10, 10, kRed));
     gl.SwapFrameBuffers();
-    gl.DrawPolygon(Box(20, 0, 30, 10, kGreen));
+    AppendPolygon(gl.Drawing(), Box(20, 0, 30, 10, kGreen));
     Present();
     EXPECT_EQ((std::vector{At(5, 5), At(25, 5)}), (std::vector{kClear, kGreen}));
     gl.RequestClear();
@@ -224,7 +225,7 @@ TEST_F(RendererTest, SwapsExchangeTwoPicturesAndClearsEmptyTheNextOne) {
     EXPECT_EQ(Drawn(0, 0, 320, 224), 0);
     Present();
     EXPECT_EQ(At(5, 5), kRed) << "a requested clear happens after one swap only";
-    gl.DrawPolygon(Box(0, 0, 320, 224, kWhite));
+    AppendPolygon(gl.Drawing(), Box(0, 0, 320, 224, kWhite));
     gl.ClearFrameBuffer();
     Present();
     EXPECT_EQ(Count(0, 0, 320, 224, kClear), 320 * 224);
@@ -249,7 +250,7 @@ TEST_F(RendererTest, AfterReleaseEveryCallIsHarmlessAndInitGlStartsAgain) {
     gl.InitGl(nullptr);
     ASSERT_TRUE(gl.HasContext());
     EXPECT_FALSE(Capture());
-    gl.DrawPolygon(Box(20, 20, 100, 100, kGreen));
+    AppendPolygon(gl.Drawing(), Box(20, 20, 100, 100, kGreen));
     Present();
     ASSERT_EQ(width, 640);
     EXPECT_EQ(At(120, 120), kClear);  // outlines only

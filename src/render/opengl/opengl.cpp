@@ -39,6 +39,7 @@ int ScaledDimension(SizeClass kind, int emulated, int current, float scale) {
 
 void COpenGl::SetSaturnResolution(int hRes, int vRes) {
     log.Log("SetSaturnResolution(%d, %d)\n", hRes, vRes);
+    drawList.SetScreen(hRes, vRes);
     if (hRes == GetSaturnHRes() && vRes == GetSaturnVRes()) return;
     saturnHRes.store(hRes, std::memory_order_relaxed);
     saturnVRes.store(vRes, std::memory_order_relaxed);

@@ -12,13 +12,11 @@
 #include <thread>
 
 #include "common/module_log.h"
+#include "render/draw_list.h"
 #include "render/opengl/frame_buffers.h"
 #include "render/opengl/rendering_scales.h"
 
 namespace vdpgl {
-
-class CVdp1Part;
-class CVdp1SpritePart;
 
 namespace platform {
 class CGlContext;
@@ -66,6 +64,13 @@ public:
     void CreateBitmapTexture(int bgNumber, int width, int height);
     void UpdateBitmapTexture(int bgNumber, const uint32_t* pixels);
 
+    // The frame's drawing: VDP1's parts append to it, and the backgrounds
+    // below. FlushDrawing submits what was appended; it runs by itself
+    // before anything that would change what the list draws (a texture's
+    // update or deletion, a swap, a clear, a wireframe switch).
+    CDrawList& Drawing() { return drawList; }
+    void FlushDrawing();
+
     // Primitives, in console pixels of the emulated screen.
     // Backgrounds are sampled nearest, or bilinear when `filtered` (the
     // control panel's "Filter backgrounds").
@@ -76,12 +81,6 @@ public:
                     float green, float blue, float secondaryRed, float secondaryGreen, float secondaryBlue,
                     float alpha, bool filtered = false);
     void DrawRotationBackground(int bgNumber, const uint32_t* pixels, int width, int height, bool filtered = false);
-    // A sprite with the texture the cache gave it (skipped when it has none),
-    // mirrored as its direction says.
-    void DrawTexturedPart(const CVdp1SpritePart& part);
-    void DrawPolygon(const CVdp1Part& part);
-    void DrawPolyline(const CVdp1Part& part);
-    void DrawLine(const CVdp1Part& part);
 
     // Emulated screen size, from VDP2's TVMD decoding.
     void SetSaturnResolution(int hRes, int vRes);
@@ -109,8 +108,8 @@ public:
 
     void* windowHandle = nullptr;
     void* const instanceHandle;
-    using SecondaryColorFunction = void (*)(float, float, float);
-    SecondaryColorFunction secondaryColorFunction;
+    using SecondaryColorPointerFunction = void (*)(int, unsigned, int, const void*);
+    SecondaryColorPointerFunction secondaryColorPointer = nullptr;
     uint32_t normalBackgroundPlanesTextureIds[4][4] = {};
     uint32_t normalBackgroundBitmapTextureIds[2] = {};
     int32_t bitmapWidths[2] = {};
@@ -120,17 +119,14 @@ public:
     int32_t rotationTextureHeights[2] = {};
 
 private:
-    // Device coordinates of a console position.
-    float DeviceX(int x) const { return 2.0f * static_cast<float>(x) / static_cast<float>(GetSaturnHRes()) - 1.0f; }
-    float DeviceY(int y) const { return 1.0f - 2.0f * static_cast<float>(y) / static_cast<float>(GetSaturnVRes()); }
     void ApplyPolygonMode();
     void DrawTexturedQuad(uint32_t texture, int x1, int y1, int x2, int y2, float s1, float s2, float t1, float t2,
                           float red, float green, float blue, float secondaryRed, float secondaryGreen,
                           float secondaryBlue, float alpha, bool filtered);
-    void DrawUntexturedPart(const CVdp1Part& part, unsigned mode, int vertexCount);
     void SaveScreenshot();
 
     std::unique_ptr<platform::CGlContext> context;
+    CDrawList drawList;
     CFrameBuffers frameBuffers;
     std::thread::id contextThread;
     uint64_t swapCount = 0;

@@ -11,8 +11,6 @@ namespace vdpgl {
 
 namespace {
 
-void NoSecondaryColor(float, float, float) {}
-
 const char* InitFailureText(platform::GlContextFailure failure) {
     switch (failure) {
     case platform::GlContextFailure::DeviceContext: return "Can't Create A GL Device Context.";
@@ -33,7 +31,7 @@ void ShowShutdownError(const char* text) {
 
 }  // namespace
 
-COpenGl::COpenGl(void* instance) : instanceHandle(instance), secondaryColorFunction(NoSecondaryColor) {}
+COpenGl::COpenGl(void* instance) : instanceHandle(instance) {}
 
 COpenGl::~COpenGl() {
     // The context is tied to the thread that made it; give it up if the
@@ -64,10 +62,11 @@ void COpenGl::InitGl(void* window) {
     glEnable(GL_BLEND);
     glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
     glLightModeli(GL_LIGHT_MODEL_COLOR_CONTROL, GL_SEPARATE_SPECULAR_COLOR);
-    if (void* p = context->GetProcAddress("glSecondaryColor3fEXT"))
-        secondaryColorFunction = reinterpret_cast<SecondaryColorFunction>(p);
-    else
-        secondaryColorFunction = NoSecondaryColor;
+    // Without the secondary colour array, colour offsets that lighten are
+    // left out.
+    secondaryColorPointer =
+        reinterpret_cast<SecondaryColorPointerFunction>(context->GetProcAddress("glSecondaryColorPointerEXT"));
+    drawList.Clear();
     glDisable(GL_LIGHTING);
     glEnable(GL_COLOR_SUM);  // the secondary colour is added after texturing
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
@@ -77,6 +76,7 @@ void COpenGl::InitGl(void* window) {
 }
 
 void COpenGl::ReleaseGl() {
+    drawList.Clear();
     if (context) {
         for (auto& planes : normalBackgroundPlanesTextureIds) {
             glDeleteTextures(4, planes);
@@ -96,7 +96,7 @@ void COpenGl::ReleaseGl() {
         if (!context->ReleaseDisplay()) ShowShutdownError("Release Device Context Failed.");
         context.reset();
     }
-    secondaryColorFunction = NoSecondaryColor;
+    secondaryColorPointer = nullptr;
     swapCount = 0;
     windowHandle = nullptr;  // the window is closed after the context is gone
 }
@@ -108,6 +108,7 @@ void COpenGl::ApplyPolygonMode() {
 }
 
 void COpenGl::ApplyPendingChanges() {
+    FlushDrawing();
     if (TakeRenderingResolutionChange()) {
         log.Log("need to update rendering resolution\n");
         ChangeRenderingResolution();
@@ -132,6 +133,7 @@ void COpenGl::ChangeRenderingResolution() {
 }
 
 void COpenGl::SwapFrameBuffers() {
+    FlushDrawing();
     if (!context) return;
     frameBuffers.Swap();
     ++swapCount;
@@ -146,6 +148,7 @@ void COpenGl::SwapFrameBuffers() {
 }
 
 void COpenGl::ClearFrameBuffer() {
+    FlushDrawing();
     if (!context) return;
     glClearColor(0.0f, 0.0f, 0.0f, 0.0f);
     glClear(GL_COLOR_BUFFER_BIT);

@@ -1,43 +1,26 @@
-// COpenGl: drawing primitives in immediate mode, one begin/end a primitive.
-// Positions are console pixels mapped straight to device coordinates (the
-// matrices stay the identity), so the emulated screen fills the viewport.
+// COpenGl: the frame's drawing. Backgrounds append their quads to the draw
+// list, as VDP1's parts do; FlushDrawing submits the list, one glDrawArrays
+// a run, over client arrays of positions, texture coordinates, primary and
+// secondary colours. Positions are device coordinates already (the matrices
+// stay the identity), so the emulated screen fills the viewport.
+#include <cstddef>
+
 #include "common/consistency_check.h"
 #include "render/opengl/gl_headers.h"
 #include "render/opengl/opengl.h"
-#include "vdp1/vdp1_part.h"
 
 namespace vdpgl {
-
-namespace {
-
-void SetFilter(bool filtered) {
-    const GLint filter = filtered ? GL_LINEAR : GL_NEAREST;
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, filter);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, filter);
-}
-
-}  // namespace
 
 void COpenGl::DrawTexturedQuad(uint32_t texture, int x1, int y1, int x2, int y2, float s1, float s2, float t1,
                                float t2, float red, float green, float blue, float secondaryRed, float secondaryGreen,
                                float secondaryBlue, float alpha, bool filtered) {
-    const float dx1 = DeviceX(x1), dy1 = DeviceY(y1), dx2 = DeviceX(x2), dy2 = DeviceY(y2);
-    glBindTexture(GL_TEXTURE_2D, texture);
-    SetFilter(filtered);
-    glEnable(GL_TEXTURE_2D);
-    glBegin(GL_QUADS);
-    glColor4f(red, green, blue, alpha);
-    secondaryColorFunction(secondaryRed, secondaryGreen, secondaryBlue);
-    glTexCoord2f(s1, t1);
-    glVertex2f(dx1, dy1);
-    glTexCoord2f(s2, t1);
-    glVertex2f(dx2, dy1);
-    glTexCoord2f(s2, t2);
-    glVertex2f(dx2, dy2);
-    glTexCoord2f(s1, t2);
-    glVertex2f(dx1, dy2);
-    glEnd();
-    glDisable(GL_TEXTURE_2D);
+    const float dx1 = drawList.DeviceX(x1), dy1 = drawList.DeviceY(y1);
+    const float dx2 = drawList.DeviceX(x2), dy2 = drawList.DeviceY(y2);
+    DrawVertex* v = drawList.Add(DrawPrimitive::kQuads, texture, filtered, 4);
+    const float xs[4] = {dx1, dx2, dx2, dx1}, ys[4] = {dy1, dy1, dy2, dy2};
+    const float ss[4] = {s1, s2, s2, s1}, ts[4] = {t1, t1, t2, t2};
+    for (int i = 0; i < 4; ++i)
+        v[i] = {xs[i], ys[i], ss[i], ts[i], red, green, blue, alpha, secondaryRed, secondaryGreen, secondaryBlue};
 }
 
 void COpenGl::DrawPlane(int bgNumber, int plane, int x1, int y1, int x2, int y2, float s1, float s2, float t1,
@@ -60,6 +43,7 @@ void COpenGl::DrawBitmap(int bgNumber, int x1, int y1, int x2, int y2, float s1,
 
 void COpenGl::DrawRotationBackground(int bgNumber, const uint32_t* pixels, int width, int height, bool filtered) {
     if (!context || (bgNumber != 4 && bgNumber != 5) || !pixels || width <= 0 || height <= 0) return;
+    FlushDrawing();  // the texture changes under what was drawn with it
     const int n = bgNumber - 4;
     uint32_t& texture = rotationBackgroundTextureIds[n];
     // 256 x 256, or larger when the picture is sampled per screen dot.
@@ -75,76 +59,55 @@ void COpenGl::DrawRotationBackground(int bgNumber, const uint32_t* pixels, int w
     glBindTexture(GL_TEXTURE_2D, texture);
     glPixelStorei(GL_UNPACK_ALIGNMENT, 4);
     glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, width, height, GL_RGBA, GL_UNSIGNED_BYTE, pixels);
-    SetFilter(filtered);
-    glEnable(GL_TEXTURE_2D);
     // The whole viewport, stretched; the buffer's first row lands at the
     // bottom edge (the rotation backgrounds render bottom row first).
     const float s = static_cast<float>(width) / static_cast<float>(rotationTextureWidths[n]);
     const float t = static_cast<float>(height) / static_cast<float>(rotationTextureHeights[n]);
-    glBegin(GL_QUADS);
-    glColor4f(1.0f, 1.0f, 1.0f, 1.0f);
-    secondaryColorFunction(0.0f, 0.0f, 0.0f);
-    glTexCoord2f(0.0f, 0.0f);
-    glVertex2f(-1.0f, -1.0f);
-    glTexCoord2f(s, 0.0f);
-    glVertex2f(1.0f, -1.0f);
-    glTexCoord2f(s, t);
-    glVertex2f(1.0f, 1.0f);
-    glTexCoord2f(0.0f, t);
-    glVertex2f(-1.0f, 1.0f);
-    glEnd();
-    glDisable(GL_TEXTURE_2D);
+    DrawVertex* v = drawList.Add(DrawPrimitive::kQuads, texture, filtered, 4);
+    v[0] = {-1.0f, -1.0f, 0.0f, 0.0f, 1.0f, 1.0f, 1.0f, 1.0f, 0.0f, 0.0f, 0.0f};
+    v[1] = {1.0f, -1.0f, s, 0.0f, 1.0f, 1.0f, 1.0f, 1.0f, 0.0f, 0.0f, 0.0f};
+    v[2] = {1.0f, 1.0f, s, t, 1.0f, 1.0f, 1.0f, 1.0f, 0.0f, 0.0f, 0.0f};
+    v[3] = {-1.0f, 1.0f, 0.0f, t, 1.0f, 1.0f, 1.0f, 1.0f, 0.0f, 0.0f, 0.0f};
 }
 
-void COpenGl::DrawTexturedPart(const CVdp1SpritePart& part) {
-    const uint32_t texture = part.textureId;
-    if (!context || !texture) return;  // texture 0 would draw the part as a plain quad
-
-    // Corners A, B, C, D; a flip moves the far texture edge to the other side.
-    const float sMax = part.uMax, tMax = part.vMax;
-    float s[4] = {}, t[4] = {};
-    if (part.IsFlippedHorizontally())
-        s[0] = s[3] = sMax;
-    else
-        s[1] = s[2] = sMax;
-    if (part.IsFlippedVertically())
-        t[0] = t[1] = tMax;
-    else
-        t[2] = t[3] = tMax;
-
-    glBindTexture(GL_TEXTURE_2D, texture);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
-    glEnable(GL_TEXTURE_2D);
-    glBegin(GL_QUADS);
-    for (int i = 0; i < 4; ++i) {
-        const Vdp1Rgb& c = part.colors[i];
-        const Vdp1Rgb& offset = part.secondaryColors[i];
-        glTexCoord2f(s[i], t[i]);
-        glColor4f(c.red, c.green, c.blue, part.alpha);
-        secondaryColorFunction(offset.red, offset.green, offset.blue);
-        glVertex2f(DeviceX(part.vertices[i].x), DeviceY(part.vertices[i].y));
+void COpenGl::FlushDrawing() {
+    if (drawList.Empty()) return;
+    if (!context) {
+        drawList.Clear();
+        return;
     }
-    glEnd();
-    glDisable(GL_TEXTURE_2D);
-}
-
-void COpenGl::DrawUntexturedPart(const CVdp1Part& part, unsigned mode, int vertexCount) {
-    if (!context) return;
-    // Colour sum stays on: shapes carry their colour offset in the primary
-    // colour, so no secondary colour is left over from a textured primitive.
-    glBegin(mode);
-    secondaryColorFunction(0.0f, 0.0f, 0.0f);
-    for (int i = 0; i < vertexCount; ++i) {
-        const Vdp1Rgb& c = part.colors[i];
-        glColor4f(c.red, c.green, c.blue, part.alpha);
-        glVertex2f(DeviceX(part.vertices[i].x), DeviceY(part.vertices[i].y));
+    const std::vector<DrawVertex>& vertices = drawList.Vertices();
+    constexpr GLsizei kStride = sizeof(DrawVertex);
+    const DrawVertex* base = vertices.data();
+    glEnableClientState(GL_VERTEX_ARRAY);
+    glVertexPointer(2, GL_FLOAT, kStride, &base->x);
+    glEnableClientState(GL_TEXTURE_COORD_ARRAY);
+    glTexCoordPointer(2, GL_FLOAT, kStride, &base->s);
+    glEnableClientState(GL_COLOR_ARRAY);
+    glColorPointer(4, GL_FLOAT, kStride, &base->red);
+    if (secondaryColorPointer) {
+        glEnableClientState(GL_SECONDARY_COLOR_ARRAY);
+        secondaryColorPointer(3, GL_FLOAT, kStride, &base->secondaryRed);
     }
-    glEnd();
+    for (const DrawRun& run : drawList.Runs()) {
+        if (run.texture) {
+            glBindTexture(GL_TEXTURE_2D, run.texture);
+            const GLint filter = run.filtered ? GL_LINEAR : GL_NEAREST;
+            glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, filter);
+            glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, filter);
+            glEnable(GL_TEXTURE_2D);
+        } else {
+            glDisable(GL_TEXTURE_2D);
+        }
+        glDrawArrays(run.primitive == DrawPrimitive::kLines ? GL_LINES : GL_QUADS, static_cast<GLint>(run.first),
+                     static_cast<GLsizei>(run.count));
+    }
+    glDisable(GL_TEXTURE_2D);
+    if (secondaryColorPointer) glDisableClientState(GL_SECONDARY_COLOR_ARRAY);
+    glDisableClientState(GL_COLOR_ARRAY);
+    glDisableClientState(GL_TEXTURE_COORD_ARRAY);
+    glDisableClientState(GL_VERTEX_ARRAY);
+    drawList.Clear();
 }
-
-void COpenGl::DrawPolygon(const CVdp1Part& part) { DrawUntexturedPart(part, GL_QUADS, 4); }
-void COpenGl::DrawPolyline(const CVdp1Part& part) { DrawUntexturedPart(part, GL_LINE_LOOP, 4); }
-void COpenGl::DrawLine(const CVdp1Part& part) { DrawUntexturedPart(part, GL_LINES, 2); }
 
 }  // namespace vdpgl

@@ -1,5 +1,6 @@
 // COpenGl: texture objects. Every texture is RGBA, 8 bits a component (the
-// colour word's bytes), sampled nearest with no mipmaps.
+// colour word's bytes), sampled nearest with no mipmaps. A change to any
+// texture first submits what was drawn before it.
 #include <vector>
 
 #include "common/consistency_check.h"
@@ -37,27 +38,32 @@ GLuint CreateTexture(int width, int height, const void* pixels) {
 }  // namespace
 
 void COpenGl::CreateVdp1Texture(int height, int width, const uint32_t* pixels, uint32_t* textureId) {
+    FlushDrawing();
     if (!context || !textureId) return;
     *textureId = CreateTexture(width, height, pixels);
 }
 
 void COpenGl::DeleteVdp1Texture(uint32_t textureId) {
+    FlushDrawing();
     if (context && textureId) glDeleteTextures(1, &textureId);
 }
 
 void COpenGl::CreatePlaneTexture(int bgNumber, int plane, int width, int height) {
+    FlushDrawing();
     if (!context || !ValidNormal(bgNumber, plane)) return;
     DeletePlaneTexture(bgNumber, plane);
     normalBackgroundPlanesTextureIds[bgNumber][plane] = CreateTexture(width, height, nullptr);
 }
 
 void COpenGl::LinkPlaneTexture(int bgNumber, int srcPlane, int dstPlane) {
+    FlushDrawing();
     if (!context || !ValidNormal(bgNumber, srcPlane) || !ValidNormal(bgNumber, dstPlane)) return;
     VDPGL_CHECK_OR_RETURN(normalBackgroundPlanesTextureIds[bgNumber][srcPlane], "opengl");
     normalBackgroundPlanesTextureIds[bgNumber][dstPlane] = normalBackgroundPlanesTextureIds[bgNumber][srcPlane];
 }
 
 void COpenGl::DeletePlaneTexture(int bgNumber, int plane) {
+    FlushDrawing();
     if (!ValidNormal(bgNumber, plane)) return;
     uint32_t& slot = normalBackgroundPlanesTextureIds[bgNumber][plane];
     // A name shared by linked planes is deleted once; GL ignores names it no
@@ -67,12 +73,14 @@ void COpenGl::DeletePlaneTexture(int bgNumber, int plane) {
 }
 
 void COpenGl::UpdatePlaneTextureCell(int bgNumber, int plane, const uint32_t* cell8x8, int x, int y) {
+    FlushDrawing();
     if (!context || !ValidNormal(bgNumber, plane) || !cell8x8) return;
     glBindTexture(GL_TEXTURE_2D, normalBackgroundPlanesTextureIds[bgNumber][plane]);
     glTexSubImage2D(GL_TEXTURE_2D, 0, x, y, 8, 8, GL_RGBA, GL_UNSIGNED_BYTE, cell8x8);
 }
 
 void COpenGl::CreateBitmapTexture(int bgNumber, int width, int height) {
+    FlushDrawing();
     if (!context || !ValidBitmap(bgNumber)) return;
     uint32_t& slot = normalBackgroundBitmapTextureIds[bgNumber];
     if (slot) glDeleteTextures(1, &slot);
@@ -82,6 +90,7 @@ void COpenGl::CreateBitmapTexture(int bgNumber, int width, int height) {
 }
 
 void COpenGl::UpdateBitmapTexture(int bgNumber, const uint32_t* pixels) {
+    FlushDrawing();
     if (!context || !ValidBitmap(bgNumber) || !pixels || !normalBackgroundBitmapTextureIds[bgNumber]) return;
     glBindTexture(GL_TEXTURE_2D, normalBackgroundBitmapTextureIds[bgNumber]);
     glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, bitmapWidths[bgNumber], bitmapHeights[bgNumber], GL_RGBA,
