@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <set>
 #include <string>
 
 #include "../unit/temp_dir.h"
@@ -46,7 +47,7 @@ int PixelsApart(const fs::path& a, const fs::path& b, int tolerance) {
 class ReplayTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        const ProcessResult scenes = Shell(Quote(VDPGL_SCENES) + " --out .");
+        const ProcessResult scenes = Shell(Quote(VDPGL_SCENES) + " --out . sprites backgrounds rotation");
         ASSERT_EQ(scenes.status, 0) << scenes.output;
     }
     // `before` goes ahead of the player: an environment, or a pipe into it.
@@ -123,6 +124,32 @@ TEST_F(ReplayTest, ExitCodesAndMessages) {
     vdpgl::RgbaImage png;
     std::string error;
     EXPECT_TRUE(ReadPng("scaled/frame-000000.png", png, error) && png.width == 640 && png.height == 448) << error;
+}
+
+TEST_F(ReplayTest, TheSceneWriterWritesTheScenesNamedAndRefusesUnknownNames) {
+    const auto traces = [](const fs::path& folder) {
+        std::set<std::string> names;
+        std::error_code ec;
+        for (const auto& entry : fs::directory_iterator(folder, ec))
+            if (entry.path().extension() == ".trace") names.insert(entry.path().filename().string());
+        return names;
+    };
+    // SetUp asked for the demo scenes: the stress scenes are not written.
+    EXPECT_EQ(traces("."), (std::set<std::string>{"backgrounds.trace", "rotation.trace", "sprites.trace"}));
+    const struct { std::string arguments; int status; std::set<std::string> written; std::string message; } cases[] = {
+        {"rotation stress-rotation", 0, {"rotation.trace", "stress-rotation.trace"}, "stress-rotation.trace: 300 frames"},
+        {"rotation nothing", 2, {}, "no scene is named \"nothing\""},  // nothing written, not even rotation
+        {"--bogus", 2, {}, "usage: vdpgl-scenes [--out DIR] [NAME...]"},
+    };
+    int run = 0;
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.arguments);
+        const std::string folder = "out" + std::to_string(run++);
+        const ProcessResult scenes = Shell(Quote(VDPGL_SCENES) + " --out " + folder + " " + c.arguments);
+        EXPECT_EQ(scenes.status, c.status) << scenes.output;
+        EXPECT_NE(scenes.output.find(c.message), std::string::npos) << scenes.output;
+        EXPECT_EQ(traces(folder), c.written);
+    }
 }
 
 TEST_F(ReplayTest, CtrlCEndsALoopingReplayCleanly) {

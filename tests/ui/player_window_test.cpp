@@ -40,7 +40,7 @@ int PixelsApart(const RgbaImage& a, const RgbaImage& b) {
 class UiPlayerTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        ASSERT_EQ(std::system((Quote(VDPGL_SCENES) + " --out . > /dev/null").c_str()), 0);
+        ASSERT_EQ(std::system((Quote(VDPGL_SCENES) + " --out . sprites backgrounds > /dev/null").c_str()), 0);
     }
     ScopedTempDir dir;
 };

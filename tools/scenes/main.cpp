@@ -6,11 +6,13 @@
 #include <filesystem>
 #include <string>
 #include <system_error>
+#include <vector>
 
 #include "background_scene.h"
 #include "rotation_scene.h"
 #include "scene_builder.h"
 #include "sprite_showcase.h"
+#include "stress_scenes.h"
 
 namespace {
 
@@ -25,12 +27,27 @@ constexpr Scene kScenes[] = {
     {"sprites", vdpgl::scenes::WriteSpriteShowcase},
     {"backgrounds", vdpgl::scenes::WriteBackgroundScene},
     {"rotation", vdpgl::scenes::WriteRotationScene},
+    // Heavy loads for the frame-time benchmark.
+    {"stress-sprites", vdpgl::scenes::stress::WriteStressSprites},
+    {"stress-planes", vdpgl::scenes::stress::WriteStressPlanes},
+    {"stress-rotation", vdpgl::scenes::stress::WriteStressRotation},
+    {"stress-bitmap", vdpgl::scenes::stress::WriteStressBitmap},
+    {"stress-all", vdpgl::scenes::stress::WriteStressAll},
 };
+
+const Scene* FindScene(const char* name) {
+    for (const Scene& scene : kScenes)
+        if (std::strcmp(scene.name, name) == 0) return &scene;
+    return nullptr;
+}
 
 int Usage(std::FILE* to) {
     std::fprintf(to,
-                 "usage: vdpgl-scenes [--out DIR]\n"
-                 "Writes the demo traces into DIR (default: the current directory).\n");
+                 "usage: vdpgl-scenes [--out DIR] [NAME...]\n"
+                 "Writes the scenes named (all of them without a name) as NAME.trace into DIR\n"
+                 "(default: the current directory). The scenes:");
+    for (const Scene& scene : kScenes) std::fprintf(to, " %s", scene.name);
+    std::fprintf(to, "\n");
     return to == stdout ? 0 : 2;
 }
 
@@ -67,6 +84,7 @@ bool WriteScene(const Scene& scene, const std::filesystem::path& folder) {
 
 int main(int argc, char** argv) {
     std::filesystem::path folder = ".";
+    std::vector<const Scene*> chosen;
     for (int i = 1; i < argc; ++i) {
         if (std::strcmp(argv[i], "--out") == 0) {
             if (i + 1 == argc) {
@@ -76,8 +94,13 @@ int main(int argc, char** argv) {
             folder = argv[++i];
         } else if (std::strcmp(argv[i], "--help") == 0 || std::strcmp(argv[i], "-h") == 0) {
             return Usage(stdout);
-        } else {
+        } else if (argv[i][0] == '-') {
             std::fprintf(stderr, "vdpgl-scenes: unexpected argument \"%s\"\n", argv[i]);
+            return Usage(stderr);
+        } else if (const Scene* scene = FindScene(argv[i])) {
+            chosen.push_back(scene);
+        } else {
+            std::fprintf(stderr, "vdpgl-scenes: no scene is named \"%s\"\n", argv[i]);
             return Usage(stderr);
         }
     }
@@ -89,7 +112,9 @@ int main(int argc, char** argv) {
         return 1;
     }
     int failures = 0;
-    for (const Scene& scene : kScenes)
-        if (!WriteScene(scene, folder)) ++failures;
+    if (chosen.empty())
+        for (const Scene& scene : kScenes) chosen.push_back(&scene);
+    for (const Scene* scene : chosen)
+        if (!WriteScene(*scene, folder)) ++failures;
     return failures == 0 ? 0 : 1;
 }
