@@ -3,8 +3,11 @@
 // and VDP2's backgrounds append their primitives; consecutive primitives that
 // share texture, filtering and kind make one run, which the renderer submits
 // with one draw call. A run ends where the state changes: order is never
-// changed to lengthen one. The arrays are kept from frame to frame, so a
-// frame allocates nothing once they have grown to its size.
+// changed to lengthen one. A quad that is not an axis-aligned rectangle is
+// a run of its own: a draw call of many quads may split them into triangles
+// along the other diagonal, which moves texels and shades on a distorted
+// sprite or polygon. The arrays are kept from frame to frame, so a frame
+// allocates nothing once they have grown to its size.
 #include <cstdint>
 #include <vector>
 
@@ -12,11 +15,15 @@ namespace vdpgl {
 
 // A corner in device coordinates, with its texture coordinates, primary
 // colour (which multiplies the texels) and secondary colour (added after).
+// A VDP1 pattern's corner also carries where the pattern lies in its page:
+// its texture's size, its place, and one over the size.
 struct DrawVertex {
     float x = 0.0f, y = 0.0f;
     float s = 0.0f, t = 0.0f;
     float red = 0.0f, green = 0.0f, blue = 0.0f, alpha = 0.0f;
     float secondaryRed = 0.0f, secondaryGreen = 0.0f, secondaryBlue = 0.0f;
+    float patternWidth = 1.0f, patternHeight = 1.0f, patternX = 0.0f, patternY = 0.0f;
+    float inverseWidth = 1.0f, inverseHeight = 1.0f;
 };
 
 enum class DrawPrimitive : uint8_t { kQuads, kLines };
@@ -24,6 +31,10 @@ enum class DrawPrimitive : uint8_t { kQuads, kLines };
 struct DrawRun {
     uint32_t texture = 0;  // 0: untextured
     bool filtered = false;  // bilinear rather than nearest sampling
+    // VDP1 patterns: sampled through the pattern program, in a page of this
+    // size (0: the fixed pipeline).
+    uint16_t pageWidth = 0, pageHeight = 0;
+    bool alone = false;  // one primitive that shares its run with no other
     DrawPrimitive primitive = DrawPrimitive::kQuads;
     uint32_t first = 0;  // the first vertex
     uint32_t count = 0;  // vertices
@@ -40,8 +51,22 @@ public:
     float DeviceY(int y) const { return 1.0f - 2.0f * static_cast<float>(y) / static_cast<float>(screenHeight); }
 
     // Room for one primitive's vertices (4 for a quad, 2 for a line),
-    // filled in by the caller before the next Add.
-    DrawVertex* Add(DrawPrimitive primitive, uint32_t texture, bool filtered, uint32_t vertexCount);
+    // filled in by the caller before the next Add. Quads are axis-aligned
+    // rectangles unless `alone`.
+    DrawVertex* Add(DrawPrimitive primitive, uint32_t texture, bool filtered, uint32_t vertexCount,
+                    bool alone = false);
+    // The same for a VDP1 pattern in a page of this size.
+    DrawVertex* AddPattern(DrawPrimitive primitive, uint32_t page, int pageWidth, int pageHeight,
+                           uint32_t vertexCount, bool alone = false);
+    // A VDP1 shape: untextured, or with atlas pages drawn through the
+    // pattern program with the white texel every page holds at (0, 0) (a
+    // vertex's pattern fields as they start), in whichever page the run
+    // before it samples, so that sprites and shapes share runs.
+    DrawVertex* AddShape(DrawPrimitive primitive, uint32_t vertexCount, bool alone = false);
+    // The page shapes use when the run before them is no pattern's; 0: none.
+    void SetShapePage(uint32_t page, int pageWidth, int pageHeight) {
+        shapePage = {page, false, static_cast<uint16_t>(pageWidth), static_cast<uint16_t>(pageHeight)};
+    }
 
     void Clear() {
         vertices.clear();
@@ -52,8 +77,11 @@ public:
     const std::vector<DrawRun>& Runs() const { return runs; }
 
 private:
+    DrawVertex* Append(const DrawRun& state, uint32_t vertexCount);
+
     std::vector<DrawVertex> vertices;
     std::vector<DrawRun> runs;
+    DrawRun shapePage;
     int screenWidth = 320;
     int screenHeight = 240;
 };

@@ -6,6 +6,7 @@
 // renderer.
 #include <cstdint>
 
+#include "render/texture_atlas.h"
 #include "vdp1/vdp1_command_table.h"
 
 namespace vdpgl {
@@ -157,9 +158,11 @@ public:
     uint32_t characterAddress = 0;  // VDP1 VRAM byte address of the pattern
     uint32_t characterSize = 0;
     Vdp1Rgb secondaryColors[4];  // added after texturing
-    // The texture built for this part and its used share across and down;
-    // it lives until the frame is drawn, whatever later parts do to the cache.
-    uint32_t textureId = 0;
+    // The texture built for this part, where its texels lie (an atlas page
+    // or a texture of its own: textureRect.texture, 0 for none) and the share
+    // of its width and height the pattern uses; it lives until the frame is
+    // drawn, whatever later parts do to the cache.
+    TextureRect textureRect;
     float uMax = 0.0f;
     float vMax = 0.0f;
 

@@ -21,11 +21,21 @@ DrawVertex ShapeCorner(const CDrawList& list, const CVdp1Part& part, int i) {
     return v;
 }
 
+// A quad whose edges run along the axes (A-B across or down, and so on
+// round), which can share a draw call with others.
+bool IsAxisAlignedRectangle(const Vdp1Vertex (&v)[4]) {
+    const bool across = v[0].y == v[1].y && v[1].x == v[2].x && v[2].y == v[3].y && v[3].x == v[0].x;
+    const bool down = v[0].x == v[1].x && v[1].y == v[2].y && v[2].x == v[3].x && v[3].y == v[0].y;
+    return across || down;
+}
+
 }  // namespace
 
 void AppendSprite(CDrawList& list, const CVdp1SpritePart& part) {
-    if (!part.textureId) return;
-    // Corners A, B, C, D; a flip moves the far texture edge to the other side.
+    const TextureRect& r = part.textureRect;
+    if (!r.texture) return;
+    // Corners A, B, C, D; a flip moves the far texture edge to the other
+    // side. The coordinates are the pattern's own, in a page too.
     const float sMax = part.uMax, tMax = part.vMax;
     float s[4] = {}, t[4] = {};
     if (part.IsFlippedHorizontally())
@@ -36,23 +46,28 @@ void AppendSprite(CDrawList& list, const CVdp1SpritePart& part) {
         t[0] = t[1] = tMax;
     else
         t[2] = t[3] = tMax;
-    DrawVertex* v = list.Add(DrawPrimitive::kQuads, part.textureId, false, 4);
+    const bool alone = !IsAxisAlignedRectangle(part.vertices);
+    DrawVertex* v = r.pageWidth
+                        ? list.AddPattern(DrawPrimitive::kQuads, r.texture, r.pageWidth, r.pageHeight, 4, alone)
+                        : list.Add(DrawPrimitive::kQuads, r.texture, false, 4, alone);
+    const float w = r.width ? r.width : 1.0f, h = r.height ? r.height : 1.0f;
     for (int i = 0; i < 4; ++i) {
         const Vdp1Rgb& c = part.colors[i];
         const Vdp1Rgb& offset = part.secondaryColors[i];
         v[i] = {list.DeviceX(part.vertices[i].x), list.DeviceY(part.vertices[i].y), s[i], t[i], c.red, c.green, c.blue,
-                part.alpha, offset.red, offset.green, offset.blue};
+                part.alpha, offset.red, offset.green, offset.blue, w, h, static_cast<float>(r.x),
+                static_cast<float>(r.y), 1.0f / w, 1.0f / h};
     }
 }
 
 void AppendPolygon(CDrawList& list, const CVdp1Part& part) {
-    DrawVertex* v = list.Add(DrawPrimitive::kQuads, 0, false, 4);
+    DrawVertex* v = list.AddShape(DrawPrimitive::kQuads, 4, !IsAxisAlignedRectangle(part.vertices));
     for (int i = 0; i < 4; ++i) v[i] = ShapeCorner(list, part, i);
 }
 
 void AppendPolyline(CDrawList& list, const CVdp1Part& part) {
     // A closed outline: edges A-B, B-C, C-D, D-A, each drawn as a line.
-    DrawVertex* v = list.Add(DrawPrimitive::kLines, 0, false, 8);
+    DrawVertex* v = list.AddShape(DrawPrimitive::kLines, 8);
     for (int i = 0; i < 4; ++i) {
         v[2 * i] = ShapeCorner(list, part, i);
         v[2 * i + 1] = ShapeCorner(list, part, (i + 1) % 4);
@@ -60,7 +75,7 @@ void AppendPolyline(CDrawList& list, const CVdp1Part& part) {
 }
 
 void AppendLine(CDrawList& list, const CVdp1Part& part) {
-    DrawVertex* v = list.Add(DrawPrimitive::kLines, 0, false, 2);
+    DrawVertex* v = list.AddShape(DrawPrimitive::kLines, 2);
     v[0] = ShapeCorner(list, part, 0);
     v[1] = ShapeCorner(list, part, 1);
 }

@@ -10,10 +10,13 @@
 #include <memory>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include "common/module_log.h"
 #include "render/draw_list.h"
+#include "render/texture_atlas.h"
 #include "render/opengl/frame_buffers.h"
+#include "render/opengl/pattern_program.h"
 #include "render/opengl/rendering_scales.h"
 
 namespace vdpgl {
@@ -52,9 +55,15 @@ public:
     // first swap, for another size, or off the emulation thread.
     bool CaptureDisplay(uint8_t* rgba, int width, int height);
 
-    // VDP1 textures (the texture cache creates and deletes them here).
-    void CreateVdp1Texture(int height, int width, const uint32_t* pixels, uint32_t* textureId);
-    void DeleteVdp1Texture(uint32_t textureId);
+    // VDP1 textures (the texture cache creates and deletes them here), known
+    // by a handle: up to 64 x 64 texels they share the atlas's pages, larger
+    // ones have a texture of their own. A handle of a released context is
+    // ignored.
+    void CreateVdp1Texture(int height, int width, const uint32_t* pixels, uint32_t* handle);
+    void DeleteVdp1Texture(uint32_t handle);
+    // Where a handle's texels are; nothing (texture 0) for an unknown one.
+    TextureRect Vdp1TextureRect(uint32_t handle) const;
+    int AtlasPageCount() const { return atlas.PageCount(); }
     // Normal backgrounds' plane textures [bgNumber 0-3][plane 0-3] and
     // NBG0/NBG1 bitmap textures.
     void CreatePlaneTexture(int bgNumber, int plane, int width, int height);
@@ -124,9 +133,21 @@ private:
                           float red, float green, float blue, float secondaryRed, float secondaryGreen,
                           float secondaryBlue, float alpha, bool filtered);
     void SaveScreenshot();
+    void CreateAtlasPage(int number);
 
     std::unique_ptr<platform::CGlContext> context;
     CDrawList drawList;
+    struct Vdp1TextureEntry {
+        TextureRect rect;
+        CTextureAtlas::Slot slot;
+    };
+    CTextureAtlas atlas;
+    CPatternProgram patternProgram;
+    // A page's texture: transparent black but for its white texel.
+    std::vector<uint32_t> pageTextures;  // by page number
+    std::vector<Vdp1TextureEntry> vdp1Textures;  // by handle index
+    std::vector<uint32_t> freeHandles;
+    uint32_t handleGeneration = 1;  // of the context; in a handle's top bits
     CFrameBuffers frameBuffers;
     std::thread::id contextThread;
     uint64_t swapCount = 0;

@@ -67,6 +67,9 @@ void COpenGl::InitGl(void* window) {
     secondaryColorPointer =
         reinterpret_cast<SecondaryColorPointerFunction>(context->GetProcAddress("glSecondaryColorPointerEXT"));
     drawList.Clear();
+    // Sprites share atlas pages when the pattern program runs; page 0 is
+    // there from the start, for the shapes' white texel.
+    if (patternProgram.Load(*context) && atlas.MakeFirstPage()) CreateAtlasPage(0);
     glDisable(GL_LIGHTING);
     glEnable(GL_COLOR_SUM);  // the secondary colour is added after texturing
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
@@ -89,6 +92,15 @@ void COpenGl::ReleaseGl() {
         normalBackgroundBitmapTextureIds[0] = normalBackgroundBitmapTextureIds[1] = 0;
         rotationBackgroundTextureIds[0] = rotationBackgroundTextureIds[1] = 0;
         rotationTextureWidths[0] = rotationTextureWidths[1] = rotationTextureHeights[0] = rotationTextureHeights[1] = 0;
+        // VDP1's textures and atlas pages too; their handles go stale.
+        patternProgram.Release();
+        atlas.Reset();
+        drawList.SetShapePage(0, 0, 0);
+        pageTextures.clear();
+        vdp1Textures.clear();
+        freeHandles.clear();
+        handleGeneration = (handleGeneration + 1) & 0x3FF;
+        if (handleGeneration == 0) handleGeneration = 1;
         frameBuffers.Release();
 
         if (!context->MakeNotCurrent()) ShowShutdownError("Release Of DC And RC Failed.");

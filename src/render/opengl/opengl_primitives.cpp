@@ -89,7 +89,19 @@ void COpenGl::FlushDrawing() {
         glEnableClientState(GL_SECONDARY_COLOR_ARRAY);
         secondaryColorPointer(3, GL_FLOAT, kStride, &base->secondaryRed);
     }
+    if (patternProgram.Loaded()) patternProgram.PatternPointers(kStride, &base->patternWidth, &base->inverseWidth);
+    bool programOn = false;
+    int pageWidth = 0, pageHeight = 0;
     for (const DrawRun& run : drawList.Runs()) {
+        if (run.pageWidth && (!programOn || run.pageWidth != pageWidth || run.pageHeight != pageHeight)) {
+            patternProgram.Begin(run.pageWidth, run.pageHeight);
+            programOn = true;
+            pageWidth = run.pageWidth;
+            pageHeight = run.pageHeight;
+        } else if (!run.pageWidth && programOn) {
+            patternProgram.End();
+            programOn = false;
+        }
         if (run.texture) {
             glBindTexture(GL_TEXTURE_2D, run.texture);
             const GLint filter = run.filtered ? GL_LINEAR : GL_NEAREST;
@@ -103,6 +115,8 @@ void COpenGl::FlushDrawing() {
                      static_cast<GLsizei>(run.count));
     }
     glDisable(GL_TEXTURE_2D);
+    if (programOn) patternProgram.End();
+    if (patternProgram.Loaded()) patternProgram.DisablePatternPointers();
     if (secondaryColorPointer) glDisableClientState(GL_SECONDARY_COLOR_ARRAY);
     glDisableClientState(GL_COLOR_ARRAY);
     glDisableClientState(GL_TEXTURE_COORD_ARRAY);

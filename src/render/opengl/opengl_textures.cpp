@@ -37,15 +37,77 @@ GLuint CreateTexture(int width, int height, const void* pixels) {
 
 }  // namespace
 
-void COpenGl::CreateVdp1Texture(int height, int width, const uint32_t* pixels, uint32_t* textureId) {
-    FlushDrawing();
-    if (!context || !textureId) return;
-    *textureId = CreateTexture(width, height, pixels);
+namespace {
+
+constexpr uint32_t kHandleIndexBits = 22;
+constexpr uint32_t kHandleIndexMask = (1u << kHandleIndexBits) - 1;
+
+}  // namespace
+
+void COpenGl::CreateAtlasPage(int number) {
+    const size_t page = static_cast<size_t>(number);
+    if (pageTextures.size() <= page) pageTextures.resize(page + 1, 0);
+    pageTextures[page] = CreateTexture(CTextureAtlas::kPageSide, CTextureAtlas::kPageSide, nullptr);
+    const uint32_t white = 0xFFFFFFFFu;
+    glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, &white);
+    if (page == 0) drawList.SetShapePage(pageTextures[0], CTextureAtlas::kPageSide, CTextureAtlas::kPageSide);
 }
 
-void COpenGl::DeleteVdp1Texture(uint32_t textureId) {
+void COpenGl::CreateVdp1Texture(int height, int width, const uint32_t* pixels, uint32_t* handle) {
+    if (!context || !handle) return;
     FlushDrawing();
-    if (context && textureId) glDeleteTextures(1, &textureId);
+    *handle = 0;
+    Vdp1TextureEntry entry;
+    bool newPage = false;
+    // Pages need the pattern program; without it every texture is its own.
+    if (patternProgram.Loaded()) entry.slot = atlas.Allocate(width, height, newPage);
+    if (entry.slot.page >= 0) {
+        const size_t page = static_cast<size_t>(entry.slot.page);
+        if (newPage) CreateAtlasPage(entry.slot.page);
+        glBindTexture(GL_TEXTURE_2D, pageTextures[page]);
+        glPixelStorei(GL_UNPACK_ALIGNMENT, 4);
+        glTexSubImage2D(GL_TEXTURE_2D, 0, entry.slot.x, entry.slot.y, width, height, GL_RGBA, GL_UNSIGNED_BYTE,
+                        pixels);
+        constexpr uint16_t kSide = CTextureAtlas::kPageSide;
+        entry.rect = {pageTextures[page], static_cast<uint16_t>(entry.slot.x), static_cast<uint16_t>(entry.slot.y),
+                      static_cast<uint16_t>(width), static_cast<uint16_t>(height), kSide, kSide};
+    } else {
+        entry.rect.texture = CreateTexture(width, height, pixels);
+        entry.rect.width = static_cast<uint16_t>(width);
+        entry.rect.height = static_cast<uint16_t>(height);
+    }
+    uint32_t index = 0;
+    if (!freeHandles.empty()) {
+        index = freeHandles.back();
+        freeHandles.pop_back();
+        vdp1Textures[index] = entry;
+    } else {
+        index = static_cast<uint32_t>(vdp1Textures.size());
+        vdp1Textures.push_back(entry);
+    }
+    *handle = (handleGeneration << kHandleIndexBits) | (index + 1);
+}
+
+TextureRect COpenGl::Vdp1TextureRect(uint32_t handle) const {
+    const uint32_t index = (handle & kHandleIndexMask) - 1;
+    if ((handle >> kHandleIndexBits) != handleGeneration || index >= vdp1Textures.size()) return {};
+    return vdp1Textures[index].rect;
+}
+
+void COpenGl::DeleteVdp1Texture(uint32_t handle) {
+    const uint32_t index = (handle & kHandleIndexMask) - 1;
+    if (!context || (handle >> kHandleIndexBits) != handleGeneration || index >= vdp1Textures.size()) return;
+    Vdp1TextureEntry& entry = vdp1Textures[index];
+    if (!entry.rect.texture) return;  // given back already
+    FlushDrawing();
+    if (entry.slot.page < 0) {
+        glDeleteTextures(1, &entry.rect.texture);
+    } else if (atlas.Free(entry.slot)) {
+        glDeleteTextures(1, &pageTextures[static_cast<size_t>(entry.slot.page)]);
+        pageTextures[static_cast<size_t>(entry.slot.page)] = 0;
+    }
+    entry = {};
+    freeHandles.push_back(index);
 }
 
 void COpenGl::CreatePlaneTexture(int bgNumber, int plane, int width, int height) {

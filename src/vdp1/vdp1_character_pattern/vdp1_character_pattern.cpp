@@ -214,7 +214,7 @@ void CVdp1CharacterPattern::BeginWalk() {
 }
 
 CVdp1CharacterPattern* CVdp1CharacterPattern::UseTexture(CVdp1SpritePart& part) {
-    part.textureId = 0;
+    part.textureRect = {};
     part.uMax = part.vMax = 0.0f;
     CVdp1CharacterPattern** table = statics.characterPatterns;
     if (!table) return nullptr;
@@ -254,7 +254,7 @@ CVdp1CharacterPattern* CVdp1CharacterPattern::UseTexture(CVdp1SpritePart& part) 
     }
     if (texture) {
         statics.textures.Touch(texture);
-        part.textureId = texture->id;
+        if (statics.renderer) part.textureRect = statics.renderer->Vdp1TextureRect(texture->id);
         part.uMax = pattern->uMax;
         part.vMax = pattern->vMax;
     }
