@@ -2,6 +2,7 @@
 // viewer's view.
 #include "vdp2/background/rotation_background.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "common/frame_profile.h"
@@ -57,11 +58,15 @@ struct CRotationBackground::Parameter {
         ysp = s.d * u + s.e * v + s.f * w;
         lineOffset = Truncate(static_cast<float>(control.bytes) * static_cast<float>(y) * s.deltaKast);
     }
-    // The coefficient of dot x, with the row's line offset given. Dots that
-    // share a coefficient (a table of one a line) convert it once.
-    bool Coefficient(const CConsoleVram& vram, int32_t x, int32_t offset, float& value) {
+    // How far along the coefficient table dot x reads.
+    int32_t Along(int32_t x) const {
+        return Truncate(static_cast<float>(control.bytes) * static_cast<float>(x) * set.deltaKax);
+    }
+    // The coefficient `along` bytes into the table, with the row's line
+    // offset given. Dots that share a coefficient (a table of one a line)
+    // convert it once.
+    bool Coefficient(const CConsoleVram& vram, int32_t along, int32_t offset, float& value) {
         const uint32_t align = control.bytes == 2 ? 0x7FFFE : 0x7FFFC;
-        const int32_t along = Truncate(static_cast<float>(control.bytes) * static_cast<float>(x) * set.deltaKax);
         const uint32_t address = (set.coefficientAddress + static_cast<uint32_t>(along + offset)) & align;
         if (address != lastAddress) {
             lastAddress = address;
@@ -77,7 +82,9 @@ struct CRotationBackground::Parameter {
 };
 
 CRotationBackground::CRotationBackground(uint32_t number)
-    : CBackground(number), picture(static_cast<size_t>(kPictureSize) * kPictureSize) {}
+    : CBackground(number),
+      picture(static_cast<size_t>(kPictureSize) * kPictureSize),
+      prepared(new PreparedCharacter[kPreparedSlots]) {}
 
 void CRotationBackground::UpdateFromRegisters() {
     CBackground::UpdateFromRegisters();
@@ -213,24 +220,52 @@ void CRotationBackground::DrawPicture(uint32_t mode, const RotationParameterWind
     // In single mode kx and ky keep a coefficient's value for the dots after it.
     float kx = parameters[single].set.kx, ky = parameters[single].set.ky;
     const int32_t charShift = c == 16 ? 4 : 3;
-    CPatternName request;
-    uint32_t lastEntry = ~0u;  // the map entry `request` holds
-    uint32_t lastKey = ~0u;    // and the character position and parameter it was found for
+    // What depends on the column alone, worked out once a drawing: the dot,
+    // its share of each parameter's transformation and how far along each
+    // coefficient table it reads.
+    columnTable.resize(static_cast<size_t>(columns));
+    for (int32_t j = 0; j < columns; ++j) {
+        Column& col = columnTable[static_cast<size_t>(j)];
+        col.screenX = perDot ? j : j * v.screenHRes / kPictureSize;
+        col.x = col.screenX / lineRatio;
+        const float fx = static_cast<float>(col.x);
+        for (uint32_t q = 0; q < 2; ++q) {
+            const Parameter& p = parameters[q];
+            col.dX[q] = fx * p.dX;
+            col.dY[q] = fx * p.dY;
+            col.along[q] = p.control.enabled ? p.Along(col.x) : 0;
+        }
+    }
+    // Nothing prepared is kept from the last drawing: VRAM and colours may
+    // have changed since.
+    for (uint32_t s = 0; s < kPreparedSlots; ++s) prepared[s].entry = ~0u;
+    const CPatternName* request = nullptr;
+    uint32_t lastKey = ~0u;  // the character position and parameter `request` was found for
 
+    int32_t previousY = -1, previousScreenY = -1;
     for (int32_t i = 0; i < rows; ++i) {
         const int32_t screenY = perDot ? i : i * v.screenVRes / kPictureSize, y = screenY / lineRatio;
+        uint32_t* row = picture.data() + static_cast<size_t>(rows - 1 - i) * static_cast<size_t>(columns);
+        // A row on the line of the row before (the grid has more rows than
+        // the screen has lines) is that row again, and leaves kx and ky as
+        // it did; the window tests the screen line.
+        if (y == previousY && (mode != 3 || screenY == previousScreenY)) {
+            std::copy(row + columns, row + 2 * columns, row);
+            continue;
+        }
+        previousY = y;
+        previousScreenY = screenY;
         parameters[single].StartRow(y);
         if (both) parameters[1].StartRow(y);
-        uint32_t* row = picture.data() + static_cast<size_t>(rows - 1 - i) * static_cast<size_t>(columns);
         for (int32_t j = 0; j < columns; ++j) {
-            const int32_t screenX = perDot ? j : j * v.screenHRes / kPictureSize, x = screenX / lineRatio;
+            const Column& col = columnTable[static_cast<size_t>(j)];
             uint32_t q = single;
             float value = 0.0f;
             bool transparent = false;
             if (mode < 2) {
                 Parameter& p = parameters[q];
                 if (p.control.enabled) {
-                    if (p.Coefficient(vram, x, p.lineOffset, value))
+                    if (p.Coefficient(vram, col.along[q], p.lineOffset, value))
                         p.Apply(value, kx, ky);
                     else
                         transparent = true;
@@ -241,7 +276,7 @@ void CRotationBackground::DrawPicture(uint32_t mode, const RotationParameterWind
                 Parameter &a = parameters[0], &b = parameters[1];
                 kx = a.set.kx, ky = a.set.ky;
                 if (a.control.enabled) {
-                    if (a.Coefficient(vram, x, a.lineOffset, value)) {
+                    if (a.Coefficient(vram, col.along[0], a.lineOffset, value)) {
                         a.Apply(value, kx, ky);
                     } else {
                         q = 1;
@@ -249,18 +284,18 @@ void CRotationBackground::DrawPicture(uint32_t mode, const RotationParameterWind
                     }
                 }
                 if (q == 1 && b.control.enabled) {
-                    if (b.Coefficient(vram, x, a.lineOffset, value))
+                    if (b.Coefficient(vram, col.along[1], a.lineOffset, value))
                         b.Apply(value, kx, ky);
                     else
                         transparent = true;
                 }
             } else {
                 // The window tests the screen position before the line ratio.
-                q = window->Inside(vram, screenX, screenY) ? 0 : 1;
+                q = window->Inside(vram, col.screenX, screenY) ? 0 : 1;
                 Parameter& p = parameters[q];
                 kx = p.set.kx, ky = p.set.ky;
                 if (p.control.enabled) {
-                    if (p.Coefficient(vram, x, p.lineOffset, value))
+                    if (p.Coefficient(vram, col.along[q], p.lineOffset, value))
                         p.Apply(value, kx, ky);
                     else
                         transparent = true;
@@ -272,9 +307,8 @@ void CRotationBackground::DrawPicture(uint32_t mode, const RotationParameterWind
             }
 
             const Parameter& p = parameters[q];
-            const float fx = static_cast<float>(x);
-            const int32_t mapX = Truncate((fx * p.dX + p.xsp) * kx + p.xp) & (4 * p.width - 1);
-            const int32_t mapY = Truncate((fx * p.dY + p.ysp) * ky + p.yp) & (4 * p.height - 1);
+            const int32_t mapX = Truncate((col.dX[q] + p.xsp) * kx + p.xp) & (4 * p.width - 1);
+            const int32_t mapY = Truncate((col.dY[q] + p.ysp) * ky + p.yp) & (4 * p.height - 1);
             // Dots in one character share the request: the name is read and
             // the character looked up only when the character changes.
             const uint32_t key = static_cast<uint32_t>(mapX >> charShift) |
@@ -286,12 +320,14 @@ void CRotationBackground::DrawPicture(uint32_t mode, const RotationParameterWind
                 const uint32_t index = PatternIndex(static_cast<uint32_t>(xInPlane >> charShift),
                                                     static_cast<uint32_t>(yInPlane >> charShift));
                 const uint32_t entry = p.planes[plane] + index * nameBytes;
-                if (entry != lastEntry) {
-                    request.PrepareCell(*this, p.planes[plane], index);
-                    lastEntry = entry;
+                PreparedCharacter& slot = prepared[(entry / nameBytes) & (kPreparedSlots - 1)];
+                if (slot.entry != entry) {
+                    slot.request.PrepareCell(*this, p.planes[plane], index);
+                    slot.entry = entry;
                 }
+                request = &slot.request;
             }
-            row[j] = request.GetCellPixel(mapX & (c - 1), mapY & (c - 1));
+            row[j] = request->GetCellPixel(mapX & (c - 1), mapY & (c - 1));
         }
     }
     renderer->DrawRotationBackground(static_cast<int>(bgNumber), picture.data(), columns, rows,

@@ -9,9 +9,11 @@
 // or, as an option, once per screen dot; decoded cells come from the cell
 // cache.
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 #include "vdp2/background/background.h"
+#include "vdp2/vdp2_character_pattern/pattern_name.h"
 
 namespace vdpgl {
 
@@ -58,6 +60,21 @@ private:
     void PrepareParameter(uint32_t p, Parameter& out) const;
 
     std::vector<uint32_t> picture;
+    // The characters one drawing has prepared, by map entry: the grid's rows
+    // come back to the characters of the row before, and preparing one (its
+    // name read, its cells found) costs more than its dots.
+    struct PreparedCharacter {
+        uint32_t entry = ~0u;
+        CPatternName request;
+    };
+    static constexpr uint32_t kPreparedSlots = 512;
+    std::unique_ptr<PreparedCharacter[]> prepared;
+    struct Column {
+        int32_t screenX = 0, x = 0;
+        float dX[2] = {}, dY[2] = {};  // x times each parameter's dX and dY
+        int32_t along[2] = {};         // bytes into each parameter's coefficient table
+    };
+    std::vector<Column> columnTable;
 };
 
 }  // namespace vdpgl

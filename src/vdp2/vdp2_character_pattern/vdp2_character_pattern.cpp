@@ -114,12 +114,26 @@ CVdp2CharacterPattern::~CVdp2CharacterPattern() {
     vdp2.cellCache.OnCellDeleted(sizeof *this);
 }
 
+uint32_t* CVdp2CharacterPattern::NewPicture() {
+    if (module.sparePictures.empty()) return new uint32_t[kPictureWords];
+    uint32_t* picture = module.sparePictures.back().release();
+    module.sparePictures.pop_back();
+    return picture;
+}
+
+void CVdp2CharacterPattern::FreePicture(uint32_t* picture) {
+    if (module.sparePictures.size() < kMostSparePictures)
+        module.sparePictures.emplace_back(picture);
+    else
+        delete[] picture;
+}
+
 void CVdp2CharacterPattern::DropPictures() {
     uint32_t dropped = 0;
     for (uint32_t word = 0; word < 2; ++word) {
         for (uint64_t bits = usedBlocks[word]; bits; bits &= bits - 1) {
             uint32_t*& picture = cellData[word * 64 + static_cast<uint32_t>(std::countr_zero(bits))];
-            delete[] picture;
+            FreePicture(picture);
             picture = nullptr;
             ++dropped;
         }
@@ -162,7 +176,7 @@ void CVdp2CharacterPattern::Decode(const CPatternName& request) {
     const uint32_t block = request.paletteBlock & (kPaletteBlocks - 1);
     uint32_t*& picture = cellData[block];
     if (!picture) {
-        picture = new uint32_t[kPictureWords];
+        picture = NewPicture();
         usedBlocks[block / 64] |= uint64_t{1} << (block % 64);
         vdp2.cellCache.OnPicturesAdded(1, kPictureBytes);
     }

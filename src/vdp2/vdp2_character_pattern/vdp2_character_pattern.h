@@ -8,6 +8,8 @@
 // palette changed, in place.
 #include <atomic>
 #include <cstdint>
+#include <memory>
+#include <vector>
 
 #include "common/module_log.h"
 
@@ -67,6 +69,12 @@ private:
     uint32_t SlotCount() const;
     uint32_t CellBytes() const;
     uint32_t PaletteStamp(const CPatternName& request) const;
+    // Pictures come from and go back to a bounded store of spare ones: cells
+    // rewritten every frame would otherwise allocate and free them by the
+    // thousand.
+    static uint32_t* NewPicture();
+    static void FreePicture(uint32_t* picture);
+    static constexpr size_t kMostSparePictures = 4096;  // 1 MiB
 
     struct Module {
         CVdp2* vdp2 = nullptr;
@@ -74,6 +82,7 @@ private:
         uint32_t colorTable[0x10000] = {};
         CModuleLog cellsLog;
         CModuleLog characterPatternLog;
+        std::vector<std::unique_ptr<uint32_t[]>> sparePictures;
     };
     static Module module;
     friend struct CPatternName;
