@@ -1,5 +1,7 @@
 #include "render/draw_list.h"
 
+#include <algorithm>
+
 namespace vdpgl {
 
 DrawVertex* CDrawList::Add(DrawPrimitive primitive, uint32_t texture, bool filtered, uint32_t vertexCount,
@@ -23,8 +25,8 @@ DrawVertex* CDrawList::AddShape(DrawPrimitive primitive, uint32_t vertexCount, b
     return Append(state, vertexCount);
 }
 
-DrawVertex* CDrawList::Append(const DrawRun& state, uint32_t vertexCount) {
-    const uint32_t first = static_cast<uint32_t>(vertices.size());
+DrawVertex* CDrawList::Append(const DrawRun& state, uint32_t count) {
+    const uint32_t first = static_cast<uint32_t>(vertexCount);
     const DrawRun* last = runs.empty() ? nullptr : &runs.back();
     if (!last || state.alone || last->alone || last->texture != state.texture || last->filtered != state.filtered ||
         last->pageWidth != state.pageWidth || last->pageHeight != state.pageHeight ||
@@ -32,8 +34,9 @@ DrawVertex* CDrawList::Append(const DrawRun& state, uint32_t vertexCount) {
         runs.push_back(state);
         runs.back().first = first;
     }
-    runs.back().count += vertexCount;
-    vertices.resize(first + vertexCount);
+    runs.back().count += count;
+    vertexCount = first + count;
+    if (vertices.size() < vertexCount) vertices.resize(std::max<size_t>(vertexCount, 2 * vertices.size()));
     return vertices.data() + first;
 }
 

@@ -8,6 +8,7 @@
 // along the other diagonal, which moves texels and shades on a distorted
 // sprite or polygon. The arrays are kept from frame to frame, so a frame
 // allocates nothing once they have grown to its size.
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -51,7 +52,7 @@ public:
     float DeviceY(int y) const { return 1.0f - 2.0f * static_cast<float>(y) / static_cast<float>(screenHeight); }
 
     // Room for one primitive's vertices (4 for a quad, 2 for a line),
-    // filled in by the caller before the next Add. Quads are axis-aligned
+    // filled in by the caller (every field) before the next Add. Quads are axis-aligned
     // rectangles unless `alone`.
     DrawVertex* Add(DrawPrimitive primitive, uint32_t texture, bool filtered, uint32_t vertexCount,
                     bool alone = false);
@@ -69,17 +70,21 @@ public:
     }
 
     void Clear() {
-        vertices.clear();
+        vertexCount = 0;
         runs.clear();
     }
     bool Empty() const { return runs.empty(); }
-    const std::vector<DrawVertex>& Vertices() const { return vertices; }
+    const DrawVertex* Vertices() const { return vertices.data(); }
+    size_t VertexCount() const { return vertexCount; }
     const std::vector<DrawRun>& Runs() const { return runs; }
 
 private:
-    DrawVertex* Append(const DrawRun& state, uint32_t vertexCount);
+    DrawVertex* Append(const DrawRun& state, uint32_t count);
 
+    // Grown, never shrunk: the first vertexCount are this frame's, and Add
+    // leaves the room it gives as it was (the caller fills every field).
     std::vector<DrawVertex> vertices;
+    size_t vertexCount = 0;
     std::vector<DrawRun> runs;
     DrawRun shapePage;
     int screenWidth = 320;

@@ -35,7 +35,7 @@ TEST(DrawListTest, ConsecutivePrimitivesSharingStateMakeOneRunAndOrderIsKept) {
                                             {7, true, Q, 16, 4},
                                             {0, false, L, 20, 10},
                                             {0, false, Q, 30, 4}}));
-    EXPECT_EQ(list.Vertices().size(), 34u);
+    EXPECT_EQ(list.VertexCount(), 34u);
     list.Clear();
     EXPECT_TRUE(list.Empty());
     list.Add(Q, 9, false, 4);

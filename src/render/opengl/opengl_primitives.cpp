@@ -76,9 +76,8 @@ void COpenGl::FlushDrawing() {
         drawList.Clear();
         return;
     }
-    const std::vector<DrawVertex>& vertices = drawList.Vertices();
     constexpr GLsizei kStride = sizeof(DrawVertex);
-    const DrawVertex* base = vertices.data();
+    const DrawVertex* base = drawList.Vertices();
     glEnableClientState(GL_VERTEX_ARRAY);
     glVertexPointer(2, GL_FLOAT, kStride, &base->x);
     glEnableClientState(GL_TEXTURE_COORD_ARRAY);
