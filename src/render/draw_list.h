@@ -3,10 +3,10 @@
 // and VDP2's backgrounds append their primitives; consecutive primitives that
 // share texture, filtering and kind make one run, which the renderer submits
 // with one draw call. A run ends where the state changes: order is never
-// changed to lengthen one. A quad that is not an axis-aligned rectangle is
-// a run of its own: a draw call of many quads may split them into triangles
-// along the other diagonal, which moves texels and shades on a distorted
-// sprite or polygon. The arrays are kept from frame to frame, so a frame
+// changed to lengthen one. A quad whose two triangulations differ (not an
+// axis-aligned rectangle, or shaded corner to corner) is a run of its own:
+// a draw call of many quads may split them along the other diagonal, which
+// moves texels and shades on a distorted or gouraud-shaded sprite. The arrays are kept from frame to frame, so a frame
 // allocates nothing once they have grown to its size.
 #include <cstddef>
 #include <cstdint>

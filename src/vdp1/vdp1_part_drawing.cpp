@@ -21,12 +21,31 @@ DrawVertex ShapeCorner(const CDrawList& list, const CVdp1Part& part, int i) {
     return v;
 }
 
-// A quad whose edges run along the axes (A-B across or down, and so on
-// round), which can share a draw call with others.
-bool IsAxisAlignedRectangle(const Vdp1Vertex (&v)[4]) {
+bool SameColour(const Vdp1Rgb& a, const Vdp1Rgb& b) {
+    return a.red == b.red && a.green == b.green && a.blue == b.blue;
+}
+
+// Whether a quad may share a draw call with others: one call of many quads
+// splits each along the diagonal B-D, a quad alone along A-C, and the two
+// give the same dots only for a rectangle along the axes whose corners have
+// one colour (gouraud shading is not linear over a quad) and, textured, a
+// whole number of dots a texel each way: a sprite scaled otherwise has dot
+// centres on texel edges, where the two splits' roundings pick different
+// texels.
+bool Shareable(const CVdp1Part& part, const Vdp1Rgb* secondaryColors, int textureWidth = 0, int textureHeight = 0) {
+    const Vdp1Vertex(&v)[4] = part.vertices;
     const bool across = v[0].y == v[1].y && v[1].x == v[2].x && v[2].y == v[3].y && v[3].x == v[0].x;
-    const bool down = v[0].x == v[1].x && v[1].y == v[2].y && v[2].x == v[3].x && v[3].y == v[0].y;
-    return across || down;
+    if (!across) return false;
+    if (textureWidth > 0 && textureHeight > 0) {
+        const int dotsAcross = v[1].x - v[0].x, dotsDown = v[3].y - v[0].y;
+        if (dotsAcross == 0 || dotsDown == 0 || dotsAcross % textureWidth != 0 || dotsDown % textureHeight != 0)
+            return false;
+    }
+    for (int i = 1; i < 4; ++i) {
+        if (!SameColour(part.colors[i], part.colors[0])) return false;
+        if (secondaryColors && !SameColour(secondaryColors[i], secondaryColors[0])) return false;
+    }
+    return true;
 }
 
 }  // namespace
@@ -46,7 +65,9 @@ void AppendSprite(CDrawList& list, const CVdp1SpritePart& part) {
         t[0] = t[1] = tMax;
     else
         t[2] = t[3] = tMax;
-    const bool alone = !IsAxisAlignedRectangle(part.vertices);
+    const int patternWidth = static_cast<int>(((part.characterSize >> 8) & 0x3F) * 8);
+    const int patternHeight = static_cast<int>(part.characterSize & 0xFF);
+    const bool alone = !Shareable(part, part.secondaryColors, patternWidth, patternHeight);
     DrawVertex* v = r.pageWidth
                         ? list.AddPattern(DrawPrimitive::kQuads, r.texture, r.pageWidth, r.pageHeight, 4, alone)
                         : list.Add(DrawPrimitive::kQuads, r.texture, false, 4, alone);
@@ -61,7 +82,7 @@ void AppendSprite(CDrawList& list, const CVdp1SpritePart& part) {
 }
 
 void AppendPolygon(CDrawList& list, const CVdp1Part& part) {
-    DrawVertex* v = list.AddShape(DrawPrimitive::kQuads, 4, !IsAxisAlignedRectangle(part.vertices));
+    DrawVertex* v = list.AddShape(DrawPrimitive::kQuads, 4, !Shareable(part, nullptr));
     for (int i = 0; i < 4; ++i) v[i] = ShapeCorner(list, part, i);
 }
 

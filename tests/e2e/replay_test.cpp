@@ -92,6 +92,18 @@ TEST_F(ReplayTest, BackgroundSceneAndRotationSceneMatchTheReferencePictures) {
     }
 }
 
+TEST_F(ReplayTest, FourThousandPartsInBatchesMatchThePicturesOfOneDrawCallEach) {
+    // The stress scene's 4,000 parts of every kind, drawn in runs out of atlas pages, against pictures made when
+    // every part was a draw call with a texture of its own. Scaled, distorted and shaded parts are where a batch
+    // could pick other texels or shades; the references allow only a few driver-dependent dots.
+    const ProcessResult scenes = Shell(Quote(VDPGL_SCENES) + " --out . stress-sprites");
+    ASSERT_EQ(scenes.status, 0) << scenes.output;
+    const ProcessResult run = Play("--frames 151 --capture-every 75 --capture-dir stress stress-sprites.trace");
+    EXPECT_TRUE(run.status == 0 && run.output.find("151 frames played, 3 written") != std::string::npos) << run.output;
+    for (const std::string name : {"frame-000000.png", "frame-000075.png", "frame-000150.png"})
+        EXPECT_LE(PixelsApart(fs::path("stress") / name, VDPGL_TEST_DATA "/stress-sprites-" + name, 3), 8) << name;
+}
+
 // Each run ends with its exit code and says what it must, once: what is wrong, and why it plays on.
 TEST_F(ReplayTest, ExitCodesAndMessages) {
     const uintmax_t size = fs::file_size(trace);
