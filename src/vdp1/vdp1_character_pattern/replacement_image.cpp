@@ -180,6 +180,9 @@ std::shared_ptr<const ReplacementPicture> CReplacementImages::Fetch(const std::s
     std::string failure;
     if (exists && ReadReplacementImage(path, *picture, failure)) {
         std::lock_guard lock(mutex);
+        // The read ahead only fills what is missing: a frame may have read
+        // the file since, saved over after this read began.
+        if (const auto it = entries.find(path); !report && it != entries.end()) return it->second.picture;
         Keep(path, picture, stamp);
         return picture;
     }
