@@ -159,6 +159,29 @@ TEST_F(RendererTest, PlaneTexturesTakeCellsShareByLinksAndAreDeletedOnce) {
     EXPECT_EQ(Drawn(0, 0, 320, 90), 3 * 64);
 }
 
+TEST_F(RendererTest, PlanesRemadeAfterADeleteStartTransparentAndEachHasItsOwnTexture) {
+    // Deleted textures are reused for the next planes of their size: what
+    // they showed must be gone, and a name two linked planes shared must
+    // serve one new plane only.
+    auto& ids = gl.normalBackgroundPlanesTextureIds;
+    FillPlane(0, 0, kWhite);
+    gl.LinkPlaneTexture(0, 0, 1);
+    FillPlane(0, 2, kRed);
+    gl.CreateBitmapTexture(0, 512, 512);
+    for (int plane = 0; plane < 4; ++plane) gl.DeletePlaneTexture(0, plane);
+    gl.CreateBitmapTexture(0, 512, 256);  // its old 512 x 512 texture is spare too
+    for (int plane = 0; plane < 4; ++plane) gl.CreatePlaneTexture(0, plane, 512, 512);
+    EXPECT_EQ(std::ranges::count_if(ids[0], [&](uint32_t id) { return std::ranges::count(ids[0], id) == 1 && id; }),
+              4);
+    const std::vector<uint32_t> green(64, Word(kGreen));
+    gl.UpdatePlaneTextureCell(0, 1, green.data(), 0, 0);
+    for (int plane = 0; plane < 4; ++plane) DrawPlaneAt(0, plane, plane * 80, 0, 64, 64);
+    Present();
+    EXPECT_EQ((std::vector{Drawn(0, 0, 64, 64), Count(80, 0, 88, 8, kGreen), Drawn(80, 0, 144, 64),
+                           Drawn(160, 0, 224, 64), Drawn(240, 0, 304, 64)}),
+              (std::vector{0, 64, 64, 0, 0}));
+}
+
 TEST_F(RendererTest, BitmapShowsItsWholeUploadAndARotationPictureFillsTheViewportBottomRowFirst) {
     testing::internal::CaptureStderr();
     gl.DrawBitmap(1, 0, 0, 320, 224, 0, 1, 0, 1, 1, 1, 1, 0, 0, 0, 1);  // none yet: reported, nothing drawn

@@ -121,6 +121,8 @@ public:
     SecondaryColorPointerFunction secondaryColorPointer = nullptr;
     uint32_t normalBackgroundPlanesTextureIds[4][4] = {};
     uint32_t normalBackgroundBitmapTextureIds[2] = {};
+    int32_t planeTextureWidths[4][4] = {};
+    int32_t planeTextureHeights[4][4] = {};
     int32_t bitmapWidths[2] = {};
     int32_t bitmapHeights[2] = {};
     uint32_t rotationBackgroundTextureIds[2] = {};
@@ -134,6 +136,12 @@ private:
                           float secondaryBlue, float alpha, bool filtered);
     void SaveScreenshot();
     void CreateAtlasPage(int number);
+    // A transparent black texture of this size: a spare of that size if one
+    // is kept, else a new one.
+    uint32_t ClearedTexture(int width, int height);
+    // Keeps a background texture that is no longer used for the next one of
+    // its size; the oldest spare goes when there are too many.
+    void KeepSpareTexture(uint32_t id, int width, int height);
 
     std::unique_ptr<platform::CGlContext> context;
     CDrawList drawList;
@@ -147,6 +155,13 @@ private:
     std::vector<uint32_t> pageTextures;  // by page number
     std::vector<Vdp1TextureEntry> vdp1Textures;  // by handle index
     std::vector<uint32_t> freeHandles;
+    struct SpareTexture {
+        uint32_t id;
+        int width, height;
+    };
+    // Four backgrounds of up to four planes each change together at a reset.
+    static constexpr size_t kMostSpareTextures = 8;
+    std::vector<SpareTexture> spareTextures;
     uint32_t handleGeneration = 1;  // of the context; in a handle's top bits
     CFrameBuffers frameBuffers;
     std::thread::id contextThread;

@@ -89,6 +89,8 @@ void COpenGl::ReleaseGl() {
         // new context starts clean.
         glDeleteTextures(2, normalBackgroundBitmapTextureIds);
         glDeleteTextures(2, rotationBackgroundTextureIds);
+        for (const SpareTexture& spare : spareTextures) glDeleteTextures(1, &spare.id);
+        spareTextures.clear();
         normalBackgroundBitmapTextureIds[0] = normalBackgroundBitmapTextureIds[1] = 0;
         rotationBackgroundTextureIds[0] = rotationBackgroundTextureIds[1] = 0;
         rotationTextureWidths[0] = rotationTextureWidths[1] = rotationTextureHeights[0] = rotationTextureHeights[1] = 0;

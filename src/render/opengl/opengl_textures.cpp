@@ -1,6 +1,7 @@
 // COpenGl: texture objects. Every texture is RGBA, 8 bits a component (the
 // colour word's bytes), sampled nearest with no mipmaps. A change to any
 // texture first submits what was drawn before it.
+#include <algorithm>
 #include <vector>
 
 #include "common/consistency_check.h"
@@ -19,18 +20,37 @@ void SetNearest() {
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
 }
 
+// Transparent black for clearing textures a band of rows at a time, so that
+// clearing a large texture needs no buffer of its size (a 4 MiB buffer made
+// and dropped at every plane change left holes in the heap).
+constexpr int kZeroTexels = 1024 * 16;
+const uint32_t kZeros[kZeroTexels] = {};
+
+// Fills the bound texture with transparent black.
+void ClearBoundTexture(int width, int height) {
+    if (width <= 0 || height <= 0) return;
+    const int rowsPerBand = width >= kZeroTexels ? 1 : kZeroTexels / width;
+    glPixelStorei(GL_UNPACK_ALIGNMENT, 4);
+    for (int y = 0; y < height; y += rowsPerBand) {
+        if (width > kZeroTexels) {
+            for (int x = 0; x < width; x += kZeroTexels)
+                glTexSubImage2D(GL_TEXTURE_2D, 0, x, y, std::min(kZeroTexels, width - x), 1, GL_RGBA,
+                                GL_UNSIGNED_BYTE, kZeros);
+        } else {
+            glTexSubImage2D(GL_TEXTURE_2D, 0, 0, y, width, std::min(rowsPerBand, height - y), GL_RGBA,
+                            GL_UNSIGNED_BYTE, kZeros);
+        }
+    }
+}
+
 // A new texture of this size from pixels, or fully transparent black.
 GLuint CreateTexture(int width, int height, const void* pixels) {
-    std::vector<uint32_t> zeros;
-    if (!pixels) {
-        zeros.assign(static_cast<size_t>(width) * static_cast<size_t>(height), 0u);
-        pixels = zeros.data();
-    }
     GLuint id = 0;
     glGenTextures(1, &id);
     glBindTexture(GL_TEXTURE_2D, id);
     glPixelStorei(GL_UNPACK_ALIGNMENT, 4);
     glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, width, height, 0, GL_RGBA, GL_UNSIGNED_BYTE, pixels);
+    if (!pixels) ClearBoundTexture(width, height);
     SetNearest();
     return id;
 }
@@ -110,11 +130,36 @@ void COpenGl::DeleteVdp1Texture(uint32_t handle) {
     freeHandles.push_back(index);
 }
 
+uint32_t COpenGl::ClearedTexture(int width, int height) {
+    for (size_t i = 0; i < spareTextures.size(); ++i) {
+        const SpareTexture spare = spareTextures[i];
+        if (spare.width != width || spare.height != height) continue;
+        spareTextures.erase(spareTextures.begin() + static_cast<std::ptrdiff_t>(i));
+        glBindTexture(GL_TEXTURE_2D, spare.id);
+        ClearBoundTexture(width, height);
+        return spare.id;
+    }
+    return CreateTexture(width, height, nullptr);
+}
+
+void COpenGl::KeepSpareTexture(uint32_t id, int width, int height) {
+    // A name shared by linked planes comes here once per plane: kept once.
+    for (const SpareTexture& spare : spareTextures)
+        if (spare.id == id) return;
+    if (spareTextures.size() >= kMostSpareTextures) {
+        glDeleteTextures(1, &spareTextures.front().id);
+        spareTextures.erase(spareTextures.begin());
+    }
+    spareTextures.push_back({id, width, height});
+}
+
 void COpenGl::CreatePlaneTexture(int bgNumber, int plane, int width, int height) {
     FlushDrawing();
     if (!context || !ValidNormal(bgNumber, plane)) return;
     DeletePlaneTexture(bgNumber, plane);
-    normalBackgroundPlanesTextureIds[bgNumber][plane] = CreateTexture(width, height, nullptr);
+    normalBackgroundPlanesTextureIds[bgNumber][plane] = ClearedTexture(width, height);
+    planeTextureWidths[bgNumber][plane] = width;
+    planeTextureHeights[bgNumber][plane] = height;
 }
 
 void COpenGl::LinkPlaneTexture(int bgNumber, int srcPlane, int dstPlane) {
@@ -122,15 +167,18 @@ void COpenGl::LinkPlaneTexture(int bgNumber, int srcPlane, int dstPlane) {
     if (!context || !ValidNormal(bgNumber, srcPlane) || !ValidNormal(bgNumber, dstPlane)) return;
     VDPGL_CHECK_OR_RETURN(normalBackgroundPlanesTextureIds[bgNumber][srcPlane], "opengl");
     normalBackgroundPlanesTextureIds[bgNumber][dstPlane] = normalBackgroundPlanesTextureIds[bgNumber][srcPlane];
+    planeTextureWidths[bgNumber][dstPlane] = planeTextureWidths[bgNumber][srcPlane];
+    planeTextureHeights[bgNumber][dstPlane] = planeTextureHeights[bgNumber][srcPlane];
 }
 
 void COpenGl::DeletePlaneTexture(int bgNumber, int plane) {
     FlushDrawing();
     if (!ValidNormal(bgNumber, plane)) return;
     uint32_t& slot = normalBackgroundPlanesTextureIds[bgNumber][plane];
-    // A name shared by linked planes is deleted once; GL ignores names it no
-    // longer knows, so the later slots only forget it.
-    if (slot && context) glDeleteTextures(1, &slot);
+    // The texture is kept for the next plane of its size (planes are made
+    // anew at every reset and plane change), so that the driver's storage
+    // is not freed and allocated again each time.
+    if (slot && context) KeepSpareTexture(slot, planeTextureWidths[bgNumber][plane], planeTextureHeights[bgNumber][plane]);
     slot = 0;
 }
 
@@ -145,10 +193,10 @@ void COpenGl::CreateBitmapTexture(int bgNumber, int width, int height) {
     FlushDrawing();
     if (!context || !ValidBitmap(bgNumber)) return;
     uint32_t& slot = normalBackgroundBitmapTextureIds[bgNumber];
-    if (slot) glDeleteTextures(1, &slot);
+    if (slot) KeepSpareTexture(slot, bitmapWidths[bgNumber], bitmapHeights[bgNumber]);
     bitmapWidths[bgNumber] = width;
     bitmapHeights[bgNumber] = height;
-    slot = CreateTexture(width, height, nullptr);
+    slot = ClearedTexture(width, height);
 }
 
 void COpenGl::UpdateBitmapTexture(int bgNumber, const uint32_t* pixels) {
