@@ -16,6 +16,17 @@ constexpr uint32_t kVramSize = 0x80000;
 // A character's dots, row by row, without their palette.
 using Dots = std::vector<uint8_t>;
 
+// Characters of one plane have one size: byte order is enough (and keeps
+// an optimising compiler from warning about the standard comparison).
+struct DotsOrder {
+    bool operator()(const Dots& a, const Dots& b) const {
+        if (a.size() != b.size()) return a.size() < b.size();
+        for (size_t i = 0; i < a.size(); ++i)
+            if (a[i] != b[i]) return a[i] < b[i];
+        return false;
+    }
+};
+
 enum Flip : int { kNoFlip = 0, kHFlip = 1, kVFlip = 2 };
 
 Dots Flipped(const Dots& dots, int size, int flip) {
@@ -109,7 +120,7 @@ Vdp2Plane EncodePlane(const PixelCodes& picture, const Vdp2CellFormat& format) {
     const uint32_t first = format.cellAddress / 32, step = CharacterBytes(format) / 32;
 
     Vdp2Plane plane;
-    std::map<Dots, uint32_t> stored;  // dots of each stored character -> its number
+    std::map<Dots, uint32_t, DotsOrder> stored;  // dots of each stored character -> its number
     for (int cy = 0; cy < perLine; ++cy)
         for (int cx = 0; cx < perLine; ++cx) {
             uint32_t palette = 0;
