@@ -9,6 +9,7 @@
 #include <cstdio>
 
 #include "bench_report.h"
+#include "common/append_format.h"
 
 namespace vdpgl::play {
 

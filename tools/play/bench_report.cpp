@@ -3,9 +3,10 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cstdarg>
 #include <cstdio>
 #include <ctime>
+
+#include "common/append_format.h"
 
 namespace vdpgl::play {
 
@@ -134,15 +135,6 @@ std::string BenchJson(const BenchRun& run) {
     }
     json += "  }\n}\n";
     return json;
-}
-
-void AppendFormat(std::string& text, const char* format, ...) {
-    char line[512];
-    va_list args;
-    va_start(args, format);
-    const int n = std::vsnprintf(line, sizeof line, format, args);
-    va_end(args);
-    if (n > 0) text.append(line, std::min<size_t>(static_cast<size_t>(n), sizeof line - 1));
 }
 
 double ThreadCpuMilliseconds() {

@@ -70,7 +70,6 @@ std::string BenchChart(const BenchRun& run);
 long ResidentKiB();
 // The calling thread's CPU time in milliseconds.
 double ThreadCpuMilliseconds();
-// printf into the end of text.
-void AppendFormat(std::string& text, const char* format, ...) __attribute__((format(printf, 2, 3)));
+
 
 }  // namespace vdpgl::play

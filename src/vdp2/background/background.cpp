@@ -58,15 +58,6 @@ constexpr const char* kColorCountLines[5] = {"16 colors\n", "256 colors\n", "204
 
 }  // namespace
 
-void AppendFormat(std::string& text, const char* format, ...) {
-    char line[256];
-    va_list args;
-    va_start(args, format);
-    const int n = std::vsnprintf(line, sizeof line, format, args);
-    va_end(args);
-    if (n > 0) text.append(line, static_cast<size_t>(n) < sizeof line ? static_cast<size_t>(n) : sizeof line - 1);
-}
-
 CBackground::CBackground(uint32_t number) : bgNumber(number) {
     if (number < kBackgroundCount) trace.SetUp((std::string(kBackgroundNames[number]) + ".log").c_str());
 }

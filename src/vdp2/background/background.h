@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <string>
 
+#include "common/append_format.h"
 #include "common/module_log.h"
 
 namespace vdpgl {
@@ -100,8 +101,5 @@ protected:
 private:
     void UpdateColorOffset(uint32_t offsetBit);
 };
-
-// Appends printf-style text to a std::string.
-void AppendFormat(std::string& text, const char* format, ...) __attribute__((format(printf, 2, 3)));
 
 }  // namespace vdpgl
