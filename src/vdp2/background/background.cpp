@@ -1,7 +1,6 @@
 #include "vdp2/background/background.h"
 
 #include <algorithm>
-#include <cstdarg>
 #include <cstdio>
 #include <cstring>
 
