@@ -119,6 +119,8 @@ public:
     void* const instanceHandle;
     using SecondaryColorPointerFunction = void (*)(int, unsigned, int, const void*);
     SecondaryColorPointerFunction secondaryColorPointer = nullptr;
+    using MultiDrawArraysFunction = void (*)(unsigned, const int*, const int*, int);
+    MultiDrawArraysFunction multiDrawArrays = nullptr;
     uint32_t normalBackgroundPlanesTextureIds[4][4] = {};
     uint32_t normalBackgroundBitmapTextureIds[2] = {};
     int32_t planeTextureWidths[4][4] = {};
@@ -145,6 +147,7 @@ private:
 
     std::unique_ptr<platform::CGlContext> context;
     CDrawList drawList;
+    std::vector<int> multiFirsts, multiCounts;  // one multi-draw's draws
     struct Vdp1TextureEntry {
         TextureRect rect;
         CTextureAtlas::Slot slot;

@@ -67,6 +67,7 @@ void COpenGl::InitGl(void* window) {
     secondaryColorPointer =
         reinterpret_cast<SecondaryColorPointerFunction>(context->GetProcAddress("glSecondaryColorPointerEXT"));
     drawList.Clear();
+    multiDrawArrays = reinterpret_cast<MultiDrawArraysFunction>(context->GetProcAddress("glMultiDrawArrays"));
     // Sprites share atlas pages when the pattern program runs; page 0 is
     // there from the start, for the shapes' white texel.
     if (patternProgram.Load(*context) && atlas.MakeFirstPage()) CreateAtlasPage(0);
@@ -111,6 +112,7 @@ void COpenGl::ReleaseGl() {
         context.reset();
     }
     secondaryColorPointer = nullptr;
+    multiDrawArrays = nullptr;
     swapCount = 0;
     windowHandle = nullptr;  // the window is closed after the context is gone
 }

@@ -91,7 +91,9 @@ void COpenGl::FlushDrawing() {
     if (patternProgram.Loaded()) patternProgram.PatternPointers(kStride, &base->patternWidth, &base->inverseWidth);
     bool programOn = false;
     int pageWidth = 0, pageHeight = 0;
-    for (const DrawRun& run : drawList.Runs()) {
+    const std::vector<DrawRun>& runs = drawList.Runs();
+    for (size_t i = 0; i < runs.size();) {
+        const DrawRun& run = runs[i];
         if (run.pageWidth && (!programOn || run.pageWidth != pageWidth || run.pageHeight != pageHeight)) {
             patternProgram.Begin(run.pageWidth, run.pageHeight);
             programOn = true;
@@ -110,8 +112,27 @@ void COpenGl::FlushDrawing() {
         } else {
             glDisable(GL_TEXTURE_2D);
         }
-        glDrawArrays(run.primitive == DrawPrimitive::kLines ? GL_LINES : GL_QUADS, static_cast<GLint>(run.first),
-                     static_cast<GLsizei>(run.count));
+        // Runs kept apart only to be drawn apart (quads alone) go in one
+        // call of several draws, each drawn as a call of its own would be.
+        const GLenum mode = run.primitive == DrawPrimitive::kLines ? GL_LINES : GL_QUADS;
+        size_t end = i + 1;
+        while (end < runs.size() && runs[end].texture == run.texture && runs[end].filtered == run.filtered &&
+               runs[end].pageWidth == run.pageWidth && runs[end].pageHeight == run.pageHeight &&
+               runs[end].primitive == run.primitive)
+            ++end;
+        if (end - i > 1 && multiDrawArrays) {
+            multiFirsts.clear();
+            multiCounts.clear();
+            for (size_t j = i; j < end; ++j) {
+                multiFirsts.push_back(static_cast<GLint>(runs[j].first));
+                multiCounts.push_back(static_cast<GLsizei>(runs[j].count));
+            }
+            multiDrawArrays(mode, multiFirsts.data(), multiCounts.data(), static_cast<GLsizei>(end - i));
+        } else {
+            for (size_t j = i; j < end; ++j)
+                glDrawArrays(mode, static_cast<GLint>(runs[j].first), static_cast<GLsizei>(runs[j].count));
+        }
+        i = end;
     }
     glDisable(GL_TEXTURE_2D);
     if (programOn) patternProgram.End();
