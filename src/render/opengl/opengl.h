@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "common/module_log.h"
+#include "render/cell_staging.h"
 #include "render/draw_list.h"
 #include "render/texture_atlas.h"
 #include "render/opengl/frame_buffers.h"
@@ -138,6 +139,10 @@ private:
                           float secondaryBlue, float alpha, bool filtered);
     void SaveScreenshot();
     void CreateAtlasPage(int number);
+    // Plane textures' cells written this frame, uploaded a band at a time
+    // when the texture is next drawn.
+    void UploadStagedCells(uint32_t texture);
+    void ForgetStagedCells(uint32_t texture);
     // A transparent black texture of this size: a spare of that size if one
     // is kept, else a new one.
     uint32_t ClearedTexture(int width, int height);
@@ -147,6 +152,7 @@ private:
 
     std::unique_ptr<platform::CGlContext> context;
     CDrawList drawList;
+    std::vector<CCellStaging> cellStaging;  // one a plane texture written since it was made
     std::vector<int> multiFirsts, multiCounts;  // one multi-draw's draws
     struct Vdp1TextureEntry {
         TextureRect rect;

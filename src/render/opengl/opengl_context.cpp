@@ -92,6 +92,7 @@ void COpenGl::ReleaseGl() {
         glDeleteTextures(2, rotationBackgroundTextureIds);
         for (const SpareTexture& spare : spareTextures) glDeleteTextures(1, &spare.id);
         spareTextures.clear();
+        cellStaging.clear();
         normalBackgroundBitmapTextureIds[0] = normalBackgroundBitmapTextureIds[1] = 0;
         rotationBackgroundTextureIds[0] = rotationBackgroundTextureIds[1] = 0;
         rotationTextureWidths[0] = rotationTextureWidths[1] = rotationTextureHeights[0] = rotationTextureHeights[1] = 0;

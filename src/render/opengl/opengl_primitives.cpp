@@ -27,6 +27,7 @@ void COpenGl::DrawPlane(int bgNumber, int plane, int x1, int y1, int x2, int y2,
                         float t2, float red, float green, float blue, float secondaryRed, float secondaryGreen,
                         float secondaryBlue, float alpha, bool filtered) {
     if (!context || bgNumber < 0 || bgNumber > 3 || plane < 0 || plane > 3) return;
+    UploadStagedCells(normalBackgroundPlanesTextureIds[bgNumber][plane]);
     DrawTexturedQuad(normalBackgroundPlanesTextureIds[bgNumber][plane], x1, y1, x2, y2, s1, s2, t1, t2, red, green,
                      blue, secondaryRed, secondaryGreen, secondaryBlue, alpha, filtered);
 }

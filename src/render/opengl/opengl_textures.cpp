@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "common/consistency_check.h"
+#include "common/frame_profile.h"
 #include "render/opengl/gl_headers.h"
 #include "render/opengl/opengl.h"
 
@@ -157,9 +158,12 @@ void COpenGl::CreatePlaneTexture(int bgNumber, int plane, int width, int height)
     FlushDrawing();
     if (!context || !ValidNormal(bgNumber, plane)) return;
     DeletePlaneTexture(bgNumber, plane);
-    normalBackgroundPlanesTextureIds[bgNumber][plane] = ClearedTexture(width, height);
+    const uint32_t texture = ClearedTexture(width, height);
+    normalBackgroundPlanesTextureIds[bgNumber][plane] = texture;
     planeTextureWidths[bgNumber][plane] = width;
     planeTextureHeights[bgNumber][plane] = height;
+    // Transparent black now: no cell written before stands.
+    std::erase_if(cellStaging, [&](const CCellStaging& s) { return s.Texture() == texture; });
 }
 
 void COpenGl::LinkPlaneTexture(int bgNumber, int srcPlane, int dstPlane) {
@@ -178,15 +182,45 @@ void COpenGl::DeletePlaneTexture(int bgNumber, int plane) {
     // The texture is kept for the next plane of its size (planes are made
     // anew at every reset and plane change), so that the driver's storage
     // is not freed and allocated again each time.
+    const uint32_t texture = slot;
     if (slot && context) KeepSpareTexture(slot, planeTextureWidths[bgNumber][plane], planeTextureHeights[bgNumber][plane]);
     slot = 0;
+    if (texture) ForgetStagedCells(texture);
 }
 
 void COpenGl::UpdatePlaneTextureCell(int bgNumber, int plane, const uint32_t* cell8x8, int x, int y) {
-    FlushDrawing();
     if (!context || !ValidNormal(bgNumber, plane) || !cell8x8) return;
-    glBindTexture(GL_TEXTURE_2D, normalBackgroundPlanesTextureIds[bgNumber][plane]);
-    glTexSubImage2D(GL_TEXTURE_2D, 0, x, y, 8, 8, GL_RGBA, GL_UNSIGNED_BYTE, cell8x8);
+    const uint32_t texture = normalBackgroundPlanesTextureIds[bgNumber][plane];
+    if (!texture) return;
+    auto staging = std::find_if(cellStaging.begin(), cellStaging.end(),
+                                [&](const CCellStaging& s) { return s.Texture() == texture; });
+    if (staging == cellStaging.end())
+        staging = cellStaging.emplace(cellStaging.end(), texture, planeTextureWidths[bgNumber][plane],
+                                      planeTextureHeights[bgNumber][plane]);
+    staging->Write(cell8x8, x, y);
+}
+
+void COpenGl::UploadStagedCells(uint32_t texture) {
+    const auto staging = std::find_if(cellStaging.begin(), cellStaging.end(),
+                                      [&](const CCellStaging& s) { return s.Texture() == texture; });
+    if (staging == cellStaging.end() || !staging->Dirty()) return;
+    CPhaseScope loading(kPhaseVdp2);  // the load pass's, though done as the plane is drawn
+    FlushDrawing();  // what was drawn before sees the texture as it was
+    glBindTexture(GL_TEXTURE_2D, texture);
+    glPixelStorei(GL_UNPACK_ALIGNMENT, 4);
+    glPixelStorei(GL_UNPACK_ROW_LENGTH, staging->Width());
+    staging->TakeChanges([](int x, int y, int width, const uint32_t* texels) {
+        glTexSubImage2D(GL_TEXTURE_2D, 0, x, y, width, 8, GL_RGBA, GL_UNSIGNED_BYTE, texels);
+    });
+    glPixelStorei(GL_UNPACK_ROW_LENGTH, 0);
+}
+
+void COpenGl::ForgetStagedCells(uint32_t texture) {
+    // Only once no plane draws with it.
+    for (const auto& planes : normalBackgroundPlanesTextureIds)
+        for (uint32_t id : planes)
+            if (id == texture) return;
+    std::erase_if(cellStaging, [&](const CCellStaging& s) { return s.Texture() == texture; });
 }
 
 void COpenGl::CreateBitmapTexture(int bgNumber, int width, int height) {
