@@ -32,6 +32,10 @@ double PhaseSum(const FrameSample& s) {
     return sum;
 }
 
+double FramesPerSecond(const BenchRun& run) {
+    return run.seconds > 0 ? static_cast<double>(run.frames.size()) / run.seconds : 0.0;
+}
+
 }  // namespace
 
 const ColumnInfo& Column(int column) { return kColumns[column]; }
@@ -81,9 +85,8 @@ std::string BenchSummary(const BenchRun& run) {
     const ColumnStats wall = Stats(run.frames, kColumnWall);
     double fastest = run.frames.front().wall;
     for (const FrameSample& f : run.frames) fastest = std::min(fastest, f.wall);
-    const double fps = run.seconds > 0 ? static_cast<double>(run.frames.size()) / run.seconds : 0.0;
     AppendFormat(text, "bench: %zu frames in %.3f s: %.1f frames/s; frame time min %.3f ms, median %.3f ms, max %.3f ms\n",
-           run.frames.size(), run.seconds, fps, fastest, wall.median, wall.max);
+           run.frames.size(), run.seconds, FramesPerSecond(run), fastest, wall.median, wall.max);
     if (run.initMilliseconds >= 0) AppendFormat(text, "bench: InitVDPPlugin took %.1f ms", run.initMilliseconds);
     if (run.residentKiBAtEnd >= 0) {
         AppendFormat(text, "; resident memory ");
@@ -115,7 +118,7 @@ std::string BenchJson(const BenchRun& run) {
     AppendFormat(json, "  \"trace\": \"%s\",\n", trace.c_str());
     AppendFormat(json, "  \"frames\": %zu,\n  \"seconds\": %.6f,\n", run.frames.size(), run.seconds);
     AppendFormat(json, "  \"framesPerSecond\": %.3f,\n",
-           run.seconds > 0 ? static_cast<double>(run.frames.size()) / run.seconds : 0.0);
+           FramesPerSecond(run));
     AppendFormat(json, "  \"initMilliseconds\": %.3f,\n", run.initMilliseconds);
     AppendFormat(json, "  \"residentKiB\": {\"afterFrame100\": %ld, \"end\": %ld},\n", run.residentKiBAt100,
            run.residentKiBAtEnd);

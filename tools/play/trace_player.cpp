@@ -244,9 +244,8 @@ PlayResult CTracePlayer::Play() {
     // Memory as the last frame left it, before the plug-in is shut down.
     if (settings.profile) bench.residentKiBAtEnd = ResidentKiB();
     Finish();
-    result.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     bench.trace = settings.tracePath;
-    bench.seconds = result.seconds;
+    bench.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     result.bench = std::move(bench);
     return result;
 }

@@ -36,8 +36,7 @@ struct PlayResult {
     bool complete = false;        // the trace's end record was reached
     // Each frame's figures: its wall time, and with `profile` where its
     // CPU time went; the run's InitVDPPlugin time and resident memory.
-    BenchRun bench;
-    double seconds = 0.0;         // of the whole replay
+    BenchRun bench;               // with the whole replay's seconds
     VdpglCacheCounters caches{};  // after the last frame
     VdpglCacheCounters peakCaches{};  // the most bytes each cache held after a frame
 };

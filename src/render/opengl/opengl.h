@@ -64,7 +64,6 @@ public:
     void DeleteVdp1Texture(uint32_t handle);
     // Where a handle's texels are; nothing (texture 0) for an unknown one.
     TextureRect Vdp1TextureRect(uint32_t handle) const;
-    int AtlasPageCount() const { return atlas.PageCount(); }
     // Normal backgrounds' plane textures [bgNumber 0-3][plane 0-3] and
     // NBG0/NBG1 bitmap textures.
     void CreatePlaneTexture(int bgNumber, int plane, int width, int height);
@@ -153,6 +152,7 @@ private:
     std::unique_ptr<platform::CGlContext> context;
     CDrawList drawList;
     std::vector<CCellStaging> cellStaging;  // one a plane texture written since it was made
+    size_t lastStaging = 0;                 // the one the last cell went to
     std::vector<int> multiFirsts, multiCounts;  // one multi-draw's draws
     struct Vdp1TextureEntry {
         TextureRect rect;

@@ -192,12 +192,17 @@ void COpenGl::UpdatePlaneTextureCell(int bgNumber, int plane, const uint32_t* ce
     if (!context || !ValidNormal(bgNumber, plane) || !cell8x8) return;
     const uint32_t texture = normalBackgroundPlanesTextureIds[bgNumber][plane];
     if (!texture) return;
-    auto staging = std::find_if(cellStaging.begin(), cellStaging.end(),
-                                [&](const CCellStaging& s) { return s.Texture() == texture; });
-    if (staging == cellStaging.end())
-        staging = cellStaging.emplace(cellStaging.end(), texture, planeTextureWidths[bgNumber][plane],
-                                      planeTextureHeights[bgNumber][plane]);
-    staging->Write(cell8x8, x, y);
+    // A load pass writes a background's cells one after another: the copy
+    // of the last cell's texture is looked at first.
+    if (lastStaging >= cellStaging.size() || cellStaging[lastStaging].Texture() != texture) {
+        lastStaging = static_cast<size_t>(
+            std::find_if(cellStaging.begin(), cellStaging.end(),
+                         [&](const CCellStaging& s) { return s.Texture() == texture; }) -
+            cellStaging.begin());
+        if (lastStaging == cellStaging.size())
+            cellStaging.emplace_back(texture, planeTextureWidths[bgNumber][plane], planeTextureHeights[bgNumber][plane]);
+    }
+    cellStaging[lastStaging].Write(cell8x8, x, y);
 }
 
 void COpenGl::UploadStagedCells(uint32_t texture) {
