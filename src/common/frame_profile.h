@@ -30,6 +30,14 @@ public:
     // Charges the time since the last switch to the running phase and makes
     // `phase` the running one; returns the phase it interrupted.
     FramePhase Switch(FramePhase phase);
+    // A short phase inside the running one, which a frame may enter
+    // hundreds of times (a texture made during the walk). It is timed by the
+    // monotonic clock, as reading the thread's CPU clock is a system call
+    // that costs over a microsecond on some machines; its time moves from
+    // the phase it interrupts to its own. One at a time: a short phase
+    // inside another stays the outer one's.
+    bool BeginShort(FramePhase phase);
+    void EndShort();
     // The end of a frame: its figures become the last frame's.
     void EndFrame();
     // The last frame's milliseconds per phase; false before the first.
@@ -39,6 +47,8 @@ private:
     std::atomic<bool> enabled{false};
     FramePhase running = kPhaseNone;
     int64_t since = 0;  // nanoseconds of thread CPU time
+    FramePhase shortPhase = kPhaseNone;
+    int64_t shortSince = 0;  // nanoseconds of the monotonic clock
     int64_t sums[kPhaseCount] = {};
     double last[kPhaseCount] = {};
     bool haveLast = false;
@@ -62,6 +72,23 @@ public:
 private:
     CFrameProfile& profile;
     FramePhase previous = kPhaseNone;
+    bool active = false;
+};
+
+// The same for a short phase (see CFrameProfile::BeginShort).
+class CShortPhaseScope {
+public:
+    explicit CShortPhaseScope(FramePhase phase) : profile(FrameProfile()) {
+        active = profile.Enabled() && profile.BeginShort(phase);
+    }
+    ~CShortPhaseScope() {
+        if (active) profile.EndShort();
+    }
+    CShortPhaseScope(const CShortPhaseScope&) = delete;
+    CShortPhaseScope& operator=(const CShortPhaseScope&) = delete;
+
+private:
+    CFrameProfile& profile;
     bool active = false;
 };
 

@@ -256,6 +256,26 @@ TEST_F(HostVdp1FrameTest, OnePatternShowsEachPaletteFromTheCacheAndItsNewTexelsO
     show(p);
 }
 
+TEST_F(HostVdp1FrameTest, MorePalettesOfOnePatternInAFrameThanItKeepsEachShowTheirOwn) {
+    // The pattern's textures are given back part way through the list, while
+    // the sprites before still draw with them: a texture made afterwards must
+    // not take their places.
+    const Pattern p = MakePattern(0);
+    WritePattern(0x4000, p);
+    std::vector<Command> commands;
+    Picture expected;
+    for (int i = 0; i < 20; ++i) {
+        const auto bank = static_cast<uint16_t>(0x0100 + 0x10 * i);
+        const auto x0 = static_cast<int16_t>(20 * (i % 10)), y0 = static_cast<int16_t>(20 * (i / 10));
+        commands.push_back(Sprite(0, 0x4000, x0, y0, bank));
+        expected.Sprite(Expected(p, bank), x0, y0, x0 + 16, y0 + 8);
+    }
+    commands.push_back({.ctrl = kEndCmd});
+    for (size_t i = 0; i < commands.size(); ++i) WriteCommand(Vram(), static_cast<uint32_t>(i) * 0x20, commands[i]);
+    ExpectFrame(expected);
+    ExpectFrame(expected);
+}
+
 TEST_F(HostVdp1FrameTest, ColourCalculationOverABackdrop) {
     // A sprite and a white polygon with the same CMDPMOD, each half over an opaque polygon and half over nothing.
     const Pattern p = MakePattern(5);

@@ -75,8 +75,10 @@ public:
 
     // The frame's drawing: VDP1's parts append to it, and the backgrounds
     // below. FlushDrawing submits what was appended; it runs by itself
-    // before anything that would change what the list draws (a texture's
-    // update or deletion, a swap, a clear, a wireframe switch).
+    // before anything that would change what the list draws (a background
+    // texture's update, a swap, a clear, a wireframe switch). A VDP1 texture
+    // is made in a place no listed part samples, and one given back keeps
+    // its place until the list is submitted.
     CDrawList& Drawing() { return drawList; }
     void FlushDrawing();
 
@@ -164,6 +166,25 @@ private:
     std::vector<uint32_t> pageTextures;  // by page number
     std::vector<Vdp1TextureEntry> vdp1Textures;  // by handle index
     std::vector<uint32_t> freeHandles;
+    // Textures given back while the list still draws with them: their
+    // places are freed once it has been submitted, so that a texture made
+    // meanwhile never takes a place a listed part samples, and making one
+    // need not submit the list.
+    std::vector<Vdp1TextureEntry> retiredVdp1Textures;
+    void ReleaseVdp1Texture(const Vdp1TextureEntry& entry);
+    // Texels of atlas textures made since the list was last submitted. They
+    // go up together just before it is: a page the driver is still drawing
+    // the last frame from makes an upload wait, once rather than at every
+    // texture, and the walk that makes them never waits.
+    struct PendingUpload {
+        uint32_t texture;
+        int x, y, width, height;
+        size_t first;  // into pendingTexels
+    };
+    static constexpr size_t kMostPendingTexels = size_t{1} << 20;  // 4 MiB; beyond, they go up at once
+    std::vector<PendingUpload> pendingUploads;
+    std::vector<uint32_t> pendingTexels;
+    void UploadPendingTextures();
     struct SpareTexture {
         uint32_t id;
         int width, height;

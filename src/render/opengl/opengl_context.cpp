@@ -102,6 +102,9 @@ void COpenGl::ReleaseGl() {
         drawList.SetShapePage(0, 0, 0);
         pageTextures.clear();
         vdp1Textures.clear();
+        retiredVdp1Textures.clear();
+        pendingUploads.clear();
+        pendingTexels.clear();
         freeHandles.clear();
         handleGeneration = (handleGeneration + 1) & 0x3FF;
         if (handleGeneration == 0) handleGeneration = 1;

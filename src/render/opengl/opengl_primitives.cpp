@@ -75,8 +75,10 @@ void COpenGl::FlushDrawing() {
     if (drawList.Empty()) return;
     if (!context) {
         drawList.Clear();
+        retiredVdp1Textures.clear();
         return;
     }
+    UploadPendingTextures();
     constexpr GLsizei kStride = sizeof(DrawVertex);
     const DrawVertex* base = drawList.Vertices();
     glEnableClientState(GL_VERTEX_ARRAY);
@@ -143,6 +145,8 @@ void COpenGl::FlushDrawing() {
     glDisableClientState(GL_TEXTURE_COORD_ARRAY);
     glDisableClientState(GL_VERTEX_ARRAY);
     drawList.Clear();
+    for (const Vdp1TextureEntry& entry : retiredVdp1Textures) ReleaseVdp1Texture(entry);
+    retiredVdp1Textures.clear();
 }
 
 }  // namespace vdpgl

@@ -76,7 +76,6 @@ void COpenGl::CreateAtlasPage(int number) {
 
 void COpenGl::CreateVdp1Texture(int height, int width, const uint32_t* pixels, uint32_t* handle) {
     if (!context || !handle) return;
-    FlushDrawing();
     *handle = 0;
     Vdp1TextureEntry entry;
     bool newPage = false;
@@ -85,10 +84,13 @@ void COpenGl::CreateVdp1Texture(int height, int width, const uint32_t* pixels, u
     if (entry.slot.page >= 0) {
         const size_t page = static_cast<size_t>(entry.slot.page);
         if (newPage) CreateAtlasPage(entry.slot.page);
-        glBindTexture(GL_TEXTURE_2D, pageTextures[page]);
-        glPixelStorei(GL_UNPACK_ALIGNMENT, 4);
-        glTexSubImage2D(GL_TEXTURE_2D, 0, entry.slot.x, entry.slot.y, width, height, GL_RGBA, GL_UNSIGNED_BYTE,
-                        pixels);
+        if (pixels) {
+            const size_t texels = static_cast<size_t>(width) * static_cast<size_t>(height);
+            if (pendingTexels.size() + texels > kMostPendingTexels) UploadPendingTextures();
+            const size_t first = pendingTexels.size();
+            pendingTexels.insert(pendingTexels.end(), pixels, pixels + texels);
+            pendingUploads.push_back({pageTextures[page], entry.slot.x, entry.slot.y, width, height, first});
+        }
         constexpr uint16_t kSide = CTextureAtlas::kPageSide;
         entry.rect = {pageTextures[page], static_cast<uint16_t>(entry.slot.x), static_cast<uint16_t>(entry.slot.y),
                       static_cast<uint16_t>(width), static_cast<uint16_t>(height), kSide, kSide};
@@ -120,15 +122,36 @@ void COpenGl::DeleteVdp1Texture(uint32_t handle) {
     if (!context || (handle >> kHandleIndexBits) != handleGeneration || index >= vdp1Textures.size()) return;
     Vdp1TextureEntry& entry = vdp1Textures[index];
     if (!entry.rect.texture) return;  // given back already
-    FlushDrawing();
+    if (drawList.Empty())
+        ReleaseVdp1Texture(entry);
+    else
+        retiredVdp1Textures.push_back(entry);
+    entry = {};
+    freeHandles.push_back(index);
+}
+
+void COpenGl::ReleaseVdp1Texture(const Vdp1TextureEntry& entry) {
     if (entry.slot.page < 0) {
         glDeleteTextures(1, &entry.rect.texture);
     } else if (atlas.Free(entry.slot)) {
+        UploadPendingTextures();  // none may go to a page that is gone
         glDeleteTextures(1, &pageTextures[static_cast<size_t>(entry.slot.page)]);
         pageTextures[static_cast<size_t>(entry.slot.page)] = 0;
     }
-    entry = {};
-    freeHandles.push_back(index);
+}
+
+void COpenGl::UploadPendingTextures() {
+    if (pendingUploads.empty()) return;
+    CPhaseScope uploading(kPhaseTextures);
+    glPixelStorei(GL_UNPACK_ALIGNMENT, 4);
+    uint32_t bound = 0;
+    for (const PendingUpload& u : pendingUploads) {
+        if (u.texture != bound) glBindTexture(GL_TEXTURE_2D, bound = u.texture);
+        glTexSubImage2D(GL_TEXTURE_2D, 0, u.x, u.y, u.width, u.height, GL_RGBA, GL_UNSIGNED_BYTE,
+                        pendingTexels.data() + u.first);
+    }
+    pendingUploads.clear();
+    pendingTexels.clear();
 }
 
 uint32_t COpenGl::ClearedTexture(int width, int height) {

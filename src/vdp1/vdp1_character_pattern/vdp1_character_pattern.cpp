@@ -230,7 +230,7 @@ CVdp1CharacterPattern* CVdp1CharacterPattern::UseTexture(CVdp1SpritePart& part) 
     while (pattern && pattern->Compare(part, &texture) == kPatternOtherPart) pattern = pattern->nextVariant;
     const bool found = texture != nullptr;
     // Decoding, uploading and giving back are the textures' share of a frame.
-    std::optional<CPhaseScope> decoding;
+    std::optional<CShortPhaseScope> decoding;
     if (!found) {
         decoding.emplace(kPhaseTextures);
         if (!RoomForAnotherTexture()) return pattern;
