@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <type_traits>
 
 #include "common/frame_profile.h"
 #include "render/opengl/opengl.h"
@@ -29,8 +30,15 @@ constexpr const char* kPlaneNames[16] = {"plane A", "plane B", "plane C", "plane
 // Truncation toward zero; a value no 32-bit integer holds (a hostile table
 // can make one) reads as 0 instead of being undefined.
 int32_t Truncate(float v) {
-    return (v > -2147483520.0f && v < 2147483520.0f) ? static_cast<int32_t>(v) : 0;
+    return static_cast<int32_t>((v > -2147483520.0f && v < 2147483520.0f) ? v : 0.0f);
 }
+
+// How a row's dots choose their parameter and coefficient.
+enum class Way { kSingle, kSingleWithCoefficients, kByCoefficient, kWindow };
+
+// The dots of a character nothing could be prepared for: transparent.
+constexpr uint32_t kNoDotsArray[256] = {};
+constexpr const uint32_t* kNoDots = kNoDotsArray;
 
 }  // namespace
 
@@ -216,8 +224,6 @@ void CRotationBackground::DrawPicture(uint32_t mode, const RotationParameterWind
     pictureHeight = rows;
     const int32_t lineRatio = (v.verticalDoubled || v.interlaced) ? 2 : 1;
     const int32_t c = static_cast<int32_t>(CharacterDots());
-    const uint32_t nameBytes = patternNameDataSize ? 2 : 4;
-    // In single mode kx and ky keep a coefficient's value for the dots after it.
     float kx = parameters[single].set.kx, ky = parameters[single].set.ky;
     const int32_t charShift = c == 16 ? 4 : 3;
     // What depends on the column alone, worked out once a drawing: the dot,
@@ -238,9 +244,102 @@ void CRotationBackground::DrawPicture(uint32_t mode, const RotationParameterWind
     }
     // Nothing prepared is kept from the last drawing: VRAM and colours may
     // have changed since.
-    for (uint32_t s = 0; s < kPreparedSlots; ++s) prepared[s].entry = ~0u;
-    const CPatternName* request = nullptr;
-    uint32_t lastKey = ~0u;  // the character position and parameter `request` was found for
+    for (uint32_t s = 0; s < kPreparedSlots; ++s) prepared[s].key = ~0u;
+    const int32_t dotMask = c - 1;
+    const PreparedCharacter* character = nullptr;
+    uint32_t lastKey = ~0u;  // the character position and parameter `character` was found for
+    // The dot of map position (mapX, mapY) of parameter q. Dots in one
+    // character share the lookup: the name is read and the character
+    // prepared only when the character changes.
+    const auto sample = [&](const Parameter& p, uint32_t q, int32_t mapX, int32_t mapY) {
+        const uint32_t key =
+            static_cast<uint32_t>(mapX >> charShift) | static_cast<uint32_t>(mapY >> charShift) << 15 | q << 30;
+        if (key != lastKey) {
+            lastKey = key;
+            // Slots by map position: the characters around the screen's
+            // view each have their own.
+            const uint32_t s = (key & (kSlotColumns - 1)) | (key >> 15 & (kSlotRows - 1)) * kSlotColumns |
+                               q * kSlotColumns * kSlotRows;
+            if (prepared[s].key != key) {
+                const uint32_t plane = static_cast<uint32_t>(4 * (mapY >> p.heightShift) + (mapX >> p.widthShift));
+                const int32_t xInPlane = mapX & (p.width - 1), yInPlane = mapY & (p.height - 1);
+                const uint32_t index = PatternIndex(static_cast<uint32_t>(xInPlane >> charShift),
+                                                    static_cast<uint32_t>(yInPlane >> charShift));
+                Prepare(s, key, p.planes[plane], index);
+            }
+            character = &prepared[s];
+        }
+        return character->dots[((mapY & dotMask) ^ character->flipY) << charShift |
+                               ((mapX & dotMask) ^ character->flipX)];
+    };
+    const auto mapX = [](const Column& col, const Parameter& p, uint32_t q, float kx) {
+        return Truncate((col.dX[q] + p.xsp) * kx + p.xp) & (4 * p.width - 1);
+    };
+    const auto mapY = [](const Column& col, const Parameter& p, uint32_t q, float ky) {
+        return Truncate((col.dY[q] + p.ysp) * ky + p.yp) & (4 * p.height - 1);
+    };
+    // One row of the grid, its loop made for one way of choosing the
+    // parameter and coefficient.
+    const auto sampleRow = [&](auto way, uint32_t* row, int32_t screenY) {
+        constexpr Way kWay = decltype(way)::value;
+        for (int32_t j = 0; j < columns; ++j) {
+            const Column& col = columnTable[static_cast<size_t>(j)];
+            float value = 0.0f;
+            if constexpr (kWay == Way::kSingle) {
+                const Parameter& p = parameters[single];
+                row[j] = sample(p, single, mapX(col, p, single, kx), mapY(col, p, single, ky));
+            } else if constexpr (kWay == Way::kSingleWithCoefficients) {
+                // kx and ky keep a coefficient's value for the dots after it.
+                Parameter& p = parameters[single];
+                if (!p.Coefficient(vram, col.along[single], p.lineOffset, value)) {
+                    row[j] = 0;
+                    continue;
+                }
+                p.Apply(value, kx, ky);
+                row[j] = sample(p, single, mapX(col, p, single, kx), mapY(col, p, single, ky));
+            } else if constexpr (kWay == Way::kByCoefficient) {
+                // Parameter A unless A's coefficient says B; B's coefficient
+                // is read with A's line offset.
+                Parameter &a = parameters[0], &b = parameters[1];
+                float x = a.set.kx, y = a.set.ky;
+                uint32_t q = 0;
+                if (a.control.enabled) {
+                    if (a.Coefficient(vram, col.along[0], a.lineOffset, value)) {
+                        a.Apply(value, x, y);
+                    } else {
+                        q = 1;
+                        x = b.set.kx, y = b.set.ky;
+                    }
+                }
+                if (q == 1 && b.control.enabled) {
+                    if (!b.Coefficient(vram, col.along[1], a.lineOffset, value)) {
+                        row[j] = 0;
+                        continue;
+                    }
+                    b.Apply(value, x, y);
+                }
+                const Parameter& p = parameters[q];
+                row[j] = sample(p, q, mapX(col, p, q, x), mapY(col, p, q, y));
+            } else {
+                // The window tests the screen position before the line ratio.
+                const uint32_t q = window->Inside(vram, col.screenX, screenY) ? 0 : 1;
+                Parameter& p = parameters[q];
+                float x = p.set.kx, y = p.set.ky;
+                if (p.control.enabled) {
+                    if (!p.Coefficient(vram, col.along[q], p.lineOffset, value)) {
+                        row[j] = 0;
+                        continue;
+                    }
+                    p.Apply(value, x, y);
+                }
+                row[j] = sample(p, q, mapX(col, p, q, x), mapY(col, p, q, y));
+            }
+        }
+    };
+    const Way way = mode == 3                               ? Way::kWindow
+                    : mode == 2                             ? Way::kByCoefficient
+                    : parameters[single].control.enabled ? Way::kSingleWithCoefficients
+                                                            : Way::kSingle;
 
     int32_t previousY = -1, previousScreenY = -1;
     for (int32_t i = 0; i < rows; ++i) {
@@ -257,81 +356,35 @@ void CRotationBackground::DrawPicture(uint32_t mode, const RotationParameterWind
         previousScreenY = screenY;
         parameters[single].StartRow(y);
         if (both) parameters[1].StartRow(y);
-        for (int32_t j = 0; j < columns; ++j) {
-            const Column& col = columnTable[static_cast<size_t>(j)];
-            uint32_t q = single;
-            float value = 0.0f;
-            bool transparent = false;
-            if (mode < 2) {
-                Parameter& p = parameters[q];
-                if (p.control.enabled) {
-                    if (p.Coefficient(vram, col.along[q], p.lineOffset, value))
-                        p.Apply(value, kx, ky);
-                    else
-                        transparent = true;
-                }
-            } else if (mode == 2) {
-                // Parameter A unless A's coefficient says B; B's coefficient
-                // is read with A's line offset.
-                Parameter &a = parameters[0], &b = parameters[1];
-                kx = a.set.kx, ky = a.set.ky;
-                if (a.control.enabled) {
-                    if (a.Coefficient(vram, col.along[0], a.lineOffset, value)) {
-                        a.Apply(value, kx, ky);
-                    } else {
-                        q = 1;
-                        kx = b.set.kx, ky = b.set.ky;
-                    }
-                }
-                if (q == 1 && b.control.enabled) {
-                    if (b.Coefficient(vram, col.along[1], a.lineOffset, value))
-                        b.Apply(value, kx, ky);
-                    else
-                        transparent = true;
-                }
-            } else {
-                // The window tests the screen position before the line ratio.
-                q = window->Inside(vram, col.screenX, screenY) ? 0 : 1;
-                Parameter& p = parameters[q];
-                kx = p.set.kx, ky = p.set.ky;
-                if (p.control.enabled) {
-                    if (p.Coefficient(vram, col.along[q], p.lineOffset, value))
-                        p.Apply(value, kx, ky);
-                    else
-                        transparent = true;
-                }
-            }
-            if (transparent) {
-                row[j] = 0;
-                continue;
-            }
-
-            const Parameter& p = parameters[q];
-            const int32_t mapX = Truncate((col.dX[q] + p.xsp) * kx + p.xp) & (4 * p.width - 1);
-            const int32_t mapY = Truncate((col.dY[q] + p.ysp) * ky + p.yp) & (4 * p.height - 1);
-            // Dots in one character share the request: the name is read and
-            // the character looked up only when the character changes.
-            const uint32_t key = static_cast<uint32_t>(mapX >> charShift) |
-                                 static_cast<uint32_t>(mapY >> charShift) << 15 | q << 30;
-            if (key != lastKey) {
-                lastKey = key;
-                const uint32_t plane = static_cast<uint32_t>(4 * (mapY >> p.heightShift) + (mapX >> p.widthShift));
-                const int32_t xInPlane = mapX & (p.width - 1), yInPlane = mapY & (p.height - 1);
-                const uint32_t index = PatternIndex(static_cast<uint32_t>(xInPlane >> charShift),
-                                                    static_cast<uint32_t>(yInPlane >> charShift));
-                const uint32_t entry = p.planes[plane] + index * nameBytes;
-                PreparedCharacter& slot = prepared[(entry / nameBytes) & (kPreparedSlots - 1)];
-                if (slot.entry != entry) {
-                    slot.request.PrepareCell(*this, p.planes[plane], index);
-                    slot.entry = entry;
-                }
-                request = &slot.request;
-            }
-            row[j] = request->GetCellPixel(mapX & (c - 1), mapY & (c - 1));
+        switch (way) {
+        case Way::kSingle: sampleRow(std::integral_constant<Way, Way::kSingle>{}, row, screenY); break;
+        case Way::kSingleWithCoefficients:
+            sampleRow(std::integral_constant<Way, Way::kSingleWithCoefficients>{}, row, screenY);
+            break;
+        case Way::kByCoefficient:
+            sampleRow(std::integral_constant<Way, Way::kByCoefficient>{}, row, screenY);
+            break;
+        case Way::kWindow: sampleRow(std::integral_constant<Way, Way::kWindow>{}, row, screenY); break;
         }
     }
     renderer->DrawRotationBackground(static_cast<int>(bgNumber), picture.data(), columns, rows,
                                      filtered.load(std::memory_order_relaxed));
+}
+
+void CRotationBackground::Prepare(uint32_t slot, uint32_t key, uint32_t mapAddress, uint32_t index) {
+    PreparedCharacter& p = prepared[slot];
+    p.key = key;
+    CPatternName request;
+    request.PrepareCell(*this, mapAddress, index);
+    uint32_t* room = nullptr;
+    if (request.characterSize) {
+        if (!preparedDots) preparedDots.reset(new uint32_t[static_cast<size_t>(kPreparedSlots) * kDotsPerSlot]);
+        room = preparedDots.get() + static_cast<size_t>(slot) * kDotsPerSlot;
+    }
+    const uint32_t* dots = request.Unflipped(room);
+    p.dots = dots ? dots : kNoDots;
+    p.flipX = request.FlipXMask();
+    p.flipY = request.FlipYMask();
 }
 
 void CRotationBackground::GetInformation(std::string& text) const {

@@ -60,15 +60,22 @@ private:
     void PrepareParameter(uint32_t p, Parameter& out) const;
 
     std::vector<uint32_t> picture;
-    // The characters one drawing has prepared, by map entry: the grid's rows
-    // come back to the characters of the row before, and preparing one (its
-    // name read, its cells found) costs more than its dots.
+    // The characters one drawing has prepared, by map position: the grid's
+    // rows come back to the characters of the row before, and preparing one
+    // (its name read, its cells found) costs more than its dots. A slot
+    // points at the character's dots unflipped: a cell's own picture, or for
+    // 2 x 2 cells their copy in the slot's room.
     struct PreparedCharacter {
-        uint32_t entry = ~0u;
-        CPatternName request;
+        uint32_t key = ~0u;  // character column, row << 15 and parameter << 30
+        const uint32_t* dots = nullptr;
+        int32_t flipX = 0, flipY = 0;  // masks that turn a position over
     };
-    static constexpr uint32_t kPreparedSlots = 512;
+    static constexpr uint32_t kSlotColumns = 64, kSlotRows = 32;
+    static constexpr uint32_t kPreparedSlots = kSlotColumns * kSlotRows * 2;  // for each parameter
+    static constexpr size_t kDotsPerSlot = 16 * 16;
     std::unique_ptr<PreparedCharacter[]> prepared;
+    std::unique_ptr<uint32_t[]> preparedDots;  // kDotsPerSlot a slot, made at the first 2 x 2 character
+    void Prepare(uint32_t slot, uint32_t key, uint32_t mapAddress, uint32_t index);
     struct Column {
         int32_t screenX = 0, x = 0;
         float dX[2] = {}, dY[2] = {};  // x times each parameter's dX and dY

@@ -177,6 +177,15 @@ void CPatternName::Upload(CNormalBackground& bg, uint32_t planeNumber, int32_t x
     write(cells[3], x1, y1);
 }
 
+const uint32_t* CPatternName::Unflipped(uint32_t* room) const {
+    if (!prepared) return nullptr;
+    if (!characterSize) return pictures[0];
+    for (int32_t y = 0; y < 16; ++y)
+        for (int32_t half = 0; half < 2; ++half)
+            std::copy_n(pictures[half | (y >> 3) << 1] + (y & 7) * 8, 8, room + y * 16 + half * 8);
+    return room;
+}
+
 void CPatternName::DrawCharacterToBuffer(uint32_t* destination) const {
     VDPGL_CHECK_OR_RETURN(prepared && destination, "vdp2_character_pattern");  // cellData!=0 for every cell
     const int32_t dots = characterSize ? 16 : 8;

@@ -33,6 +33,13 @@ struct CPatternName {
         const uint32_t k = characterSize ? static_cast<uint32_t>(((x >> 3) & 1) | (((y >> 3) & 1) << 1)) : 0;
         return pictures[k][(y & 7) * 8 + (x & 7)];
     }
+    // The prepared character's dots unflipped, as `dots` x `dots` colour
+    // words (8, or 16 for 2 x 2 cells): the one cell's picture, or the four
+    // copied into `room`. nullptr when nothing is prepared.
+    const uint32_t* Unflipped(uint32_t* room) const;
+    // The masks that flip a dot's position in the character.
+    int32_t FlipXMask() const { return flipX; }
+    int32_t FlipYMask() const { return flipY; }
     // The prepared character as 8 x 8 or 16 x 16 colour words, flipped.
     void DrawCharacterToBuffer(uint32_t* destination) const;
 
