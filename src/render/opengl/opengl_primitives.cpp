@@ -94,6 +94,8 @@ void COpenGl::FlushDrawing() {
     if (patternProgram.Loaded()) patternProgram.PatternPointers(kStride, &base->patternWidth, &base->inverseWidth);
     bool programOn = false;
     int pageWidth = 0, pageHeight = 0;
+    uint32_t texture = 0;
+    bool filtered = false;
     const std::vector<DrawRun>& runs = drawList.Runs();
     for (size_t i = 0; i < runs.size();) {
         const DrawRun& run = runs[i];
@@ -106,14 +108,19 @@ void COpenGl::FlushDrawing() {
             patternProgram.End();
             programOn = false;
         }
-        if (run.texture) {
-            glBindTexture(GL_TEXTURE_2D, run.texture);
-            const GLint filter = run.filtered ? GL_LINEAR : GL_NEAREST;
-            glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, filter);
-            glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, filter);
-            glEnable(GL_TEXTURE_2D);
-        } else {
-            glDisable(GL_TEXTURE_2D);
+        // Lines and quads alternate over one page: its state is set once.
+        if (run.texture != texture || run.filtered != filtered || i == 0) {
+            texture = run.texture;
+            filtered = run.filtered;
+            if (run.texture) {
+                glBindTexture(GL_TEXTURE_2D, run.texture);
+                const GLint filter = run.filtered ? GL_LINEAR : GL_NEAREST;
+                glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, filter);
+                glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, filter);
+                glEnable(GL_TEXTURE_2D);
+            } else {
+                glDisable(GL_TEXTURE_2D);
+            }
         }
         // Runs kept apart only to be drawn apart (quads alone) go in one
         // call of several draws, each drawn as a call of its own would be.

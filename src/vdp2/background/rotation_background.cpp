@@ -5,6 +5,9 @@
 #include <algorithm>
 #include <cmath>
 #include <type_traits>
+#if defined(__SSE__) || defined(_M_X64)
+#include <xmmintrin.h>
+#endif
 
 #include "common/frame_profile.h"
 #include "render/opengl/opengl.h"
@@ -27,10 +30,15 @@ constexpr const char* kPlaneNames[16] = {"plane A", "plane B", "plane C", "plane
                                          "plane G", "plane H", "plane I", "plane J", "plane K", "plane L",
                                          "plane M", "plane N", "plane O", "plane P"};
 
-// Truncation toward zero; a value no 32-bit integer holds (a hostile table
-// can make one) reads as 0 instead of being undefined.
+// Truncation toward zero of a map coordinate, to be masked to the map: a
+// value no 32-bit integer holds (a hostile table can make one) gives a
+// number the mask turns to 0, instead of being undefined.
 int32_t Truncate(float v) {
-    return static_cast<int32_t>((v > -2147483520.0f && v < 2147483520.0f) ? v : 0.0f);
+#if defined(__SSE__) || defined(_M_X64)
+    return _mm_cvtt_ss2si(_mm_set_ss(v));  // such a value: INT32_MIN
+#else
+    return (v > -2147483520.0f && v < 2147483520.0f) ? static_cast<int32_t>(v) : 0;
+#endif
 }
 
 // How a row's dots choose their parameter and coefficient.
@@ -87,6 +95,20 @@ struct CRotationBackground::Parameter {
         if (!control.constantKx) kx = value;
         if (!control.constantKy) ky = value;
     }
+};
+
+// What a row's dots need of one parameter: where the row starts, the
+// frame's constants and the map's shape.
+struct CRotationBackground::Placement {
+    explicit Placement(const Parameter& p)
+        : xsp(p.xsp), ysp(p.ysp), xp(p.xp), yp(p.yp),
+          mapXMask(4 * p.width - 1), mapYMask(4 * p.height - 1),
+          width(p.width), height(p.height), widthShift(p.widthShift), heightShift(p.heightShift),
+          planes(p.planes) {}
+    float xsp, ysp, xp, yp;
+    int32_t mapXMask, mapYMask;  // the 4 x 4 planes of the map
+    int32_t width, height, widthShift, heightShift;
+    const uint32_t* planes;
 };
 
 CRotationBackground::CRotationBackground(uint32_t number)
@@ -241,6 +263,8 @@ void CRotationBackground::DrawPicture(uint32_t mode, const RotationParameterWind
             col.dY[q] = fx * p.dY;
             col.along[q] = p.control.enabled ? p.Along(col.x) : 0;
         }
+        col.sameCoefficients = j > 0 && col.along[0] == columnTable[static_cast<size_t>(j) - 1].along[0] &&
+                               col.along[1] == columnTable[static_cast<size_t>(j) - 1].along[1];
     }
     // Nothing prepared is kept from the last drawing: VRAM and colours may
     // have changed since.
@@ -251,7 +275,7 @@ void CRotationBackground::DrawPicture(uint32_t mode, const RotationParameterWind
     // The dot of map position (mapX, mapY) of parameter q. Dots in one
     // character share the lookup: the name is read and the character
     // prepared only when the character changes.
-    const auto sample = [&](const Parameter& p, uint32_t q, int32_t mapX, int32_t mapY) {
+    const auto sample = [&](const Placement& p, uint32_t q, int32_t mapX, int32_t mapY) {
         const uint32_t key =
             static_cast<uint32_t>(mapX >> charShift) | static_cast<uint32_t>(mapY >> charShift) << 15 | q << 30;
         if (key != lastKey) {
@@ -272,54 +296,72 @@ void CRotationBackground::DrawPicture(uint32_t mode, const RotationParameterWind
         return character->dots[((mapY & dotMask) ^ character->flipY) << charShift |
                                ((mapX & dotMask) ^ character->flipX)];
     };
-    const auto mapX = [](const Column& col, const Parameter& p, uint32_t q, float kx) {
-        return Truncate((col.dX[q] + p.xsp) * kx + p.xp) & (4 * p.width - 1);
+    const auto mapX = [](const Column& col, const Placement& p, uint32_t q, float kx) {
+        return Truncate((col.dX[q] + p.xsp) * kx + p.xp) & p.mapXMask;
     };
-    const auto mapY = [](const Column& col, const Parameter& p, uint32_t q, float ky) {
-        return Truncate((col.dY[q] + p.ysp) * ky + p.yp) & (4 * p.height - 1);
+    const auto mapY = [](const Column& col, const Placement& p, uint32_t q, float ky) {
+        return Truncate((col.dY[q] + p.ysp) * ky + p.yp) & p.mapYMask;
     };
     // One row of the grid, its loop made for one way of choosing the
     // parameter and coefficient.
     const auto sampleRow = [&](auto way, uint32_t* row, int32_t screenY) {
         constexpr Way kWay = decltype(way)::value;
+        // Kept apart from the parameters, whose coefficient reads write to them.
+        const Placement place[2] = {Placement(parameters[0]), Placement(parameters[1])};
+        // What the last coefficient read said: the parameter, and whether
+        // its dots are transparent.
+        uint32_t chosen = single;
+        bool transparent = false;
         for (int32_t j = 0; j < columns; ++j) {
             const Column& col = columnTable[static_cast<size_t>(j)];
             float value = 0.0f;
             if constexpr (kWay == Way::kSingle) {
-                const Parameter& p = parameters[single];
+                const Placement& p = place[single];
                 row[j] = sample(p, single, mapX(col, p, single, kx), mapY(col, p, single, ky));
             } else if constexpr (kWay == Way::kSingleWithCoefficients) {
-                // kx and ky keep a coefficient's value for the dots after it.
-                Parameter& p = parameters[single];
-                if (!p.Coefficient(vram, col.along[single], p.lineOffset, value)) {
+                // kx and ky keep a coefficient's value for the dots after it;
+                // a column that reads the coefficient of the column before
+                // takes what it said.
+                if (!col.sameCoefficients || j == 0) {
+                    Parameter& p = parameters[single];
+                    transparent = !p.Coefficient(vram, col.along[single], p.lineOffset, value);
+                    if (!transparent) p.Apply(value, kx, ky);
+                }
+                if (transparent) {
                     row[j] = 0;
                     continue;
                 }
-                p.Apply(value, kx, ky);
-                row[j] = sample(p, single, mapX(col, p, single, kx), mapY(col, p, single, ky));
+                row[j] = sample(place[single], single, mapX(col, place[single], single, kx),
+                                mapY(col, place[single], single, ky));
             } else if constexpr (kWay == Way::kByCoefficient) {
                 // Parameter A unless A's coefficient says B; B's coefficient
                 // is read with A's line offset.
-                Parameter &a = parameters[0], &b = parameters[1];
-                float x = a.set.kx, y = a.set.ky;
-                uint32_t q = 0;
-                if (a.control.enabled) {
-                    if (a.Coefficient(vram, col.along[0], a.lineOffset, value)) {
-                        a.Apply(value, x, y);
-                    } else {
-                        q = 1;
-                        x = b.set.kx, y = b.set.ky;
+                if (!col.sameCoefficients || j == 0) {
+                    Parameter &a = parameters[0], &b = parameters[1];
+                    kx = a.set.kx, ky = a.set.ky;
+                    chosen = 0;
+                    transparent = false;
+                    if (a.control.enabled) {
+                        if (a.Coefficient(vram, col.along[0], a.lineOffset, value)) {
+                            a.Apply(value, kx, ky);
+                        } else {
+                            chosen = 1;
+                            kx = b.set.kx, ky = b.set.ky;
+                        }
+                    }
+                    if (chosen == 1 && b.control.enabled) {
+                        if (b.Coefficient(vram, col.along[1], a.lineOffset, value))
+                            b.Apply(value, kx, ky);
+                        else
+                            transparent = true;
                     }
                 }
-                if (q == 1 && b.control.enabled) {
-                    if (!b.Coefficient(vram, col.along[1], a.lineOffset, value)) {
-                        row[j] = 0;
-                        continue;
-                    }
-                    b.Apply(value, x, y);
+                if (transparent) {
+                    row[j] = 0;
+                    continue;
                 }
-                const Parameter& p = parameters[q];
-                row[j] = sample(p, q, mapX(col, p, q, x), mapY(col, p, q, y));
+                row[j] = sample(place[chosen], chosen, mapX(col, place[chosen], chosen, kx),
+                                mapY(col, place[chosen], chosen, ky));
             } else {
                 // The window tests the screen position before the line ratio.
                 const uint32_t q = window->Inside(vram, col.screenX, screenY) ? 0 : 1;
@@ -332,7 +374,7 @@ void CRotationBackground::DrawPicture(uint32_t mode, const RotationParameterWind
                     }
                     p.Apply(value, x, y);
                 }
-                row[j] = sample(p, q, mapX(col, p, q, x), mapY(col, p, q, y));
+                row[j] = sample(place[q], q, mapX(col, place[q], q, x), mapY(col, place[q], q, y));
             }
         }
     };

@@ -49,6 +49,7 @@ public:
 
 private:
     struct Parameter;
+    struct Placement;
 
     void DrawRotationCellMode();
     void DrawCellModeSingleParameter();
@@ -80,6 +81,7 @@ private:
         int32_t screenX = 0, x = 0;
         float dX[2] = {}, dY[2] = {};  // x times each parameter's dX and dY
         int32_t along[2] = {};         // bytes into each parameter's coefficient table
+        bool sameCoefficients = false;  // both as in the column before
     };
     std::vector<Column> columnTable;
 };
