@@ -17,14 +17,13 @@ namespace vdpgl {
 // A corner in device coordinates, with its texture coordinates, primary
 // colour (which multiplies the texels) and secondary colour (added after).
 // A VDP1 pattern's corner also carries where the pattern lies in its page:
-// its texture's size, its place, and one over the size.
+// its texture's size and its place.
 struct DrawVertex {
     float x = 0.0f, y = 0.0f;
     float s = 0.0f, t = 0.0f;
     float red = 0.0f, green = 0.0f, blue = 0.0f, alpha = 0.0f;
     float secondaryRed = 0.0f, secondaryGreen = 0.0f, secondaryBlue = 0.0f;
     float patternWidth = 1.0f, patternHeight = 1.0f, patternX = 0.0f, patternY = 0.0f;
-    float inverseWidth = 1.0f, inverseHeight = 1.0f;
 };
 
 enum class DrawPrimitive : uint8_t { kQuads, kLines };

@@ -77,7 +77,7 @@ void AppendSprite(CDrawList& list, const CVdp1SpritePart& part) {
         const Vdp1Rgb& offset = part.secondaryColors[i];
         v[i] = {list.DeviceX(part.vertices[i].x), list.DeviceY(part.vertices[i].y), s[i], t[i], c.red, c.green, c.blue,
                 part.alpha, offset.red, offset.green, offset.blue, w, h, static_cast<float>(r.x),
-                static_cast<float>(r.y), 1.0f / w, 1.0f / h};
+                static_cast<float>(r.y)};
     }
 }
 

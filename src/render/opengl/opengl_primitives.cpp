@@ -91,7 +91,7 @@ void COpenGl::FlushDrawing() {
         glEnableClientState(GL_SECONDARY_COLOR_ARRAY);
         secondaryColorPointer(3, GL_FLOAT, kStride, &base->secondaryRed);
     }
-    if (patternProgram.Loaded()) patternProgram.PatternPointers(kStride, &base->patternWidth, &base->inverseWidth);
+    if (patternProgram.Loaded()) patternProgram.PatternPointers(kStride, &base->patternWidth);
     bool programOn = false;
     int pageWidth = 0, pageHeight = 0;
     uint32_t texture = 0;

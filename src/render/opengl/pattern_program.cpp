@@ -9,15 +9,19 @@ namespace vdpgl {
 namespace {
 
 // texcoord[0]: the sprite's own coordinates; texcoord[1]: the pattern's
-// texture width and height and its place in the page, in texels;
-// texcoord[2]: one over that width and height (exact: powers of two);
-// env[0]: one over the page's width and height.
+// texture width and height and its place in the page, in texels (one over
+// the width and height is exact: they are powers of two); env[0]: one over
+// the page's width and height. Every attribute a vertex carries costs the
+// driver's triangle setup on our thread: the reciprocals are worked out
+// here rather than sent.
 constexpr const char* kProgram =
     "!!ARBfp1.0\n"
-    "TEMP c, q, texel;\n"
+    "TEMP c, q, texel, inv;\n"
+    "RCP inv.x, fragment.texcoord[1].x;\n"
+    "RCP inv.y, fragment.texcoord[1].y;\n"
     "MUL c, fragment.texcoord[0], fragment.texcoord[1];\n"
     "FLR c, c;\n"
-    "MUL q, c, fragment.texcoord[2];\n"
+    "MUL q, c, inv;\n"
     "FLR q, q;\n"
     "MAD c, -q, fragment.texcoord[1], c;\n"
     "ADD c, c, fragment.texcoord[1].zwzw;\n"
@@ -78,21 +82,16 @@ void CPatternProgram::Begin(float pageWidth, float pageHeight) {
 
 void CPatternProgram::End() { glDisable(GL_FRAGMENT_PROGRAM_ARB); }
 
-void CPatternProgram::PatternPointers(GLsizei stride, const void* place, const void* inverseSize) {
+void CPatternProgram::PatternPointers(GLsizei stride, const void* place) {
     clientActiveTexture(GL_TEXTURE1);
     glEnableClientState(GL_TEXTURE_COORD_ARRAY);
     glTexCoordPointer(4, GL_FLOAT, stride, place);
-    clientActiveTexture(GL_TEXTURE2);
-    glEnableClientState(GL_TEXTURE_COORD_ARRAY);
-    glTexCoordPointer(2, GL_FLOAT, stride, inverseSize);
     clientActiveTexture(GL_TEXTURE0);
 }
 
 void CPatternProgram::DisablePatternPointers() {
-    for (GLenum unit : {GL_TEXTURE1, GL_TEXTURE2}) {
-        clientActiveTexture(unit);
-        glDisableClientState(GL_TEXTURE_COORD_ARRAY);
-    }
+    clientActiveTexture(GL_TEXTURE1);
+    glDisableClientState(GL_TEXTURE_COORD_ARRAY);
     clientActiveTexture(GL_TEXTURE0);
 }
 

@@ -28,9 +28,9 @@ public:
     // this size; End returns to the fixed pipeline.
     void Begin(float pageWidth, float pageHeight);
     void End();
-    // The client arrays of texture units 1 and 2: each vertex's pattern
-    // size and place in the page, and one over the size.
-    void PatternPointers(GLsizei stride, const void* place, const void* inverseSize);
+    // The client array of texture unit 1: each vertex's pattern size and
+    // place in the page.
+    void PatternPointers(GLsizei stride, const void* place);
     void DisablePatternPointers();
 
 private:
