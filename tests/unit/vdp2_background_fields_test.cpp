@@ -164,14 +164,21 @@ TEST_F(Vdp2BackgroundFieldsTest, OnlyAWriteInsideTheBitmapMarksItForDecoding) {
     vdp2->WriteRegisterWord(BGON, 0x0101);  // transparent display
     frame();
     EXPECT_EQ(nbg0.bitmapDirty, 0) << "colour RAM, palette and transparency keep the texture";
+    EXPECT_GE(nbg0.bitmapRowsFirst, nbg0.bitmapRowsEnd) << "no row to decode";
+    // A row is 256 bytes: the rows written are decoded again, and only they.
     vdp2->WriteVramByte(0x6FFFF, 1);
-    EXPECT_EQ(nbg0.bitmapDirty, 1);
+    vdp2->WriteVramByte(0x60A00, 1);
+    EXPECT_EQ(nbg0.bitmapDirty, 0);
+    EXPECT_EQ(nbg0.bitmapRowsFirst, 10u);
+    EXPECT_EQ(nbg0.bitmapRowsEnd, 256u);
     frame();
+    EXPECT_GE(nbg0.bitmapRowsFirst, nbg0.bitmapRowsEnd) << "decoded when drawn";
     vdp2->WriteRegisterWord(MPOFN, 0x0001);
     frame();
     EXPECT_EQ(nbg0.bitmapAddress, 0x20000u);
     vdp2->WriteVramByte(0x6FFFF, 2);
     EXPECT_EQ(nbg0.bitmapDirty, 0) << "the old place no longer counts";
+    EXPECT_GE(nbg0.bitmapRowsFirst, nbg0.bitmapRowsEnd);
 }
 
 }  // namespace

@@ -71,7 +71,9 @@ public:
     void DeletePlaneTexture(int bgNumber, int plane);
     void UpdatePlaneTextureCell(int bgNumber, int plane, const uint32_t* cell8x8, int x, int y);
     void CreateBitmapTexture(int bgNumber, int width, int height);
-    void UpdateBitmapTexture(int bgNumber, const uint32_t* pixels);
+    // The bitmap's rows [firstRow, firstRow + rows) from pixels, which
+    // holds all of it (rows < 0: every row).
+    void UpdateBitmapTexture(int bgNumber, const uint32_t* pixels, int firstRow = 0, int rows = -1);
 
     // The frame's drawing: VDP1's parts append to it, and the backgrounds
     // below. FlushDrawing submits what was appended; it runs by itself

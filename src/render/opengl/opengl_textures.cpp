@@ -261,12 +261,17 @@ void COpenGl::CreateBitmapTexture(int bgNumber, int width, int height) {
     slot = ClearedTexture(width, height);
 }
 
-void COpenGl::UpdateBitmapTexture(int bgNumber, const uint32_t* pixels) {
+void COpenGl::UpdateBitmapTexture(int bgNumber, const uint32_t* pixels, int firstRow, int rows) {
     FlushDrawing();
     if (!context || !ValidBitmap(bgNumber) || !pixels || !normalBackgroundBitmapTextureIds[bgNumber]) return;
+    const int height = bitmapHeights[bgNumber];
+    firstRow = std::clamp(firstRow, 0, height);
+    rows = rows < 0 ? height - firstRow : std::min(rows, height - firstRow);
+    if (rows == 0) return;
     glBindTexture(GL_TEXTURE_2D, normalBackgroundBitmapTextureIds[bgNumber]);
-    glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, bitmapWidths[bgNumber], bitmapHeights[bgNumber], GL_RGBA,
-                    GL_UNSIGNED_BYTE, pixels);
+    glPixelStorei(GL_UNPACK_ALIGNMENT, 4);
+    glTexSubImage2D(GL_TEXTURE_2D, 0, 0, firstRow, bitmapWidths[bgNumber], rows, GL_RGBA, GL_UNSIGNED_BYTE,
+                    pixels + static_cast<size_t>(firstRow) * static_cast<size_t>(bitmapWidths[bgNumber]));
 }
 
 }  // namespace vdpgl

@@ -34,6 +34,8 @@ public:
     void UpdateFromRegisters() override;
     void GetSize(uint32_t& width, uint32_t& height) const override;
     void DecodeBitmap(uint32_t* pixels) override;
+    // Rows [firstRow, endRow) of the bitmap into their place in `pixels`.
+    void DecodeBitmapRows(uint32_t* pixels, uint32_t firstRow, uint32_t endRow);
     void RenderPlane(uint32_t plane, uint32_t* pixels) override;
     void Draw() override;
     void GetInformation(std::string& text) const override;
@@ -59,7 +61,8 @@ public:
     uint32_t bitmapPaletteNumber = 0;
     uint32_t bitmapWidth = 0;
     uint32_t bitmapHeight = 0;
-    uint8_t bitmapDirty = 1;
+    uint8_t bitmapDirty = 1;                          // all of it is decoded again
+    uint32_t bitmapRowsFirst = ~0u, bitmapRowsEnd = 0;  // rows VRAM writes changed since
     int32_t scrollX = 0;
     int32_t scrollY = 0;
     float scaleX = 0.0f;

@@ -1,6 +1,8 @@
 // CNormalBackground in bitmap mode (NBG0 and NBG1): a rectangle of dots
 // stored row by row in VRAM, decoded into one texture when its data, size or
 // address changed, and drawn repeated across the screen.
+#include <algorithm>
+
 #include "common/color_word.h"
 #include "common/console_vram.h"
 #include "common/frame_profile.h"
@@ -29,12 +31,13 @@ struct BitmapSource {
     bool zeroIsTransparent;
 };
 
-// Dots that index colour RAM: palette is the word index of the first
-// colour, step how many words a colour takes (2 in colour RAM mode 2).
+// Dots that index colour RAM, from data unit `first` to `end` (a unit holds
+// dotsPerStep dots): palette is the word index of the first colour, and a
+// colour takes two words in colour RAM mode 2 (wide).
 template <typename ReadDot>
-void DecodePaletteDots(const BitmapSource& in, uint32_t steps, uint32_t dotsPerStep, uint32_t palette, bool wide,
-                       ReadDot read, uint32_t* out) {
-    for (uint32_t i = 0; i < steps; ++i) {
+void DecodePaletteDots(const BitmapSource& in, uint32_t first, uint32_t end, uint32_t dotsPerStep, uint32_t palette,
+                       bool wide, ReadDot read, uint32_t* out) {
+    for (uint32_t i = first; i < end; ++i) {
         for (uint32_t j = 0; j < dotsPerStep; ++j) {
             const uint32_t d = read(i, j);
             if (d == 0 && in.zeroIsTransparent)
@@ -62,13 +65,19 @@ void CNormalBackground::UpdateBitmap(uint32_t oldWidth, uint32_t oldHeight, uint
 void CNormalBackground::InvalidateBitmapRange(uint32_t address) {
     if (bitmapDirty) return;
     // The bitmap's bytes from its address on; one larger than the rest of
-    // VRAM continues at its start, as its decoding does.
+    // VRAM continues at its start, as its decoding does. The row the byte
+    // lies in is decoded again.
     const uint32_t offset = (address - bitmapAddress) & CConsoleVram::kMask;
-    if (offset < bitmapDataSize) bitmapDirty = 1;
+    if (offset >= bitmapDataSize || bitmapHeight == 0) return;
+    const uint32_t row = offset / (bitmapDataSize / bitmapHeight);
+    bitmapRowsFirst = std::min(bitmapRowsFirst, row);
+    bitmapRowsEnd = std::max(bitmapRowsEnd, row + 1);
 }
 
-void CNormalBackground::DecodeBitmap(uint32_t* pixels) {
-    if (!pixels) return;
+void CNormalBackground::DecodeBitmap(uint32_t* pixels) { DecodeBitmapRows(pixels, 0, bitmapHeight); }
+
+void CNormalBackground::DecodeBitmapRows(uint32_t* pixels, uint32_t firstRow, uint32_t endRow) {
+    if (!pixels || characterColorNumber >= 5) return;
     const CVdp2& v = *vdp2;
     const BitmapSource in{v.vram, v.cram, v.colorTable, transparentDisplay == 0};
     const bool wide = v.cramMode == 2;
@@ -76,28 +85,30 @@ void CNormalBackground::DecodeBitmap(uint32_t* pixels) {
     const uint32_t mask = CConsoleVram::kMask, a = bitmapAddress;
     const auto byteAt = [&](uint32_t i) { return uint32_t{in.vram.ReadByte((a + i) & mask)}; };
     const auto wordAt = [&](uint32_t i) { return uint32_t{in.vram.ReadWord((a + 2 * i) & mask)}; };
+    // Data units a row: bytes of two dots for 16 colours, else one a dot.
+    const uint32_t unitsPerRow = characterColorNumber == 0 ? bitmapWidth / 2 : bitmapWidth;
+    const uint32_t first = firstRow * unitsPerRow, end = endRow * unitsPerRow;
+    pixels += static_cast<size_t>(firstRow) * bitmapWidth;
     switch (characterColorNumber) {
     case 0:
-        DecodePaletteDots(in, bitmapDataSize, 2, base + bitmapPaletteNumber * (wide ? 8 : 16), wide,
+        DecodePaletteDots(in, first, end, 2, base + bitmapPaletteNumber * (wide ? 8 : 16), wide,
                           [&](uint32_t i, uint32_t j) { return j ? byteAt(i) & 0xF : byteAt(i) >> 4; }, pixels);
         break;
     case 1:
-        DecodePaletteDots(in, bitmapDataSize, 1, base + bitmapPaletteNumber * (wide ? 128 : 256), wide,
+        DecodePaletteDots(in, first, end, 1, base + bitmapPaletteNumber * (wide ? 128 : 256), wide,
                           [&](uint32_t i, uint32_t) { return byteAt(i); }, pixels);
         break;
     case 2:
-        DecodePaletteDots(in, bitmapDataSize / 2, 1, base, wide, [&](uint32_t i, uint32_t) { return wordAt(i); },
-                          pixels);
+        DecodePaletteDots(in, first, end, 1, base, wide, [&](uint32_t i, uint32_t) { return wordAt(i); }, pixels);
         break;
     case 3:
-        for (uint32_t i = 0; i < bitmapDataSize / 2; ++i) {
+        for (uint32_t i = first; i < end; ++i) {
             const uint32_t d = wordAt(i);
             *pixels++ = (d == 0 && in.zeroIsTransparent) ? 0 : v.colorTable[d];
         }
         break;
     case 4:  // 24-bit dots, never transparent
-        for (uint32_t i = 0; i < bitmapDataSize / 4; ++i)
-            *pixels++ = v.vram.ReadLong((a + 4 * i) & mask) | kOpaqueAlpha;
+        for (uint32_t i = first; i < end; ++i) *pixels++ = v.vram.ReadLong((a + 4 * i) & mask) | kOpaqueAlpha;
         break;
     default: break;
     }
@@ -111,13 +122,22 @@ void CNormalBackground::DrawBitmapMode() {
         bitmapCreated = true;
         bitmapDirty = 1;
     }
-    if (bitmapDirty) {
+    if (bitmapDirty || bitmapRowsEnd > bitmapRowsFirst) {
         CPhaseScope decoding(kPhaseVdp2);
-        // A bitmap written many times between two frames is decoded once.
-        bitmapPixels.assign(static_cast<size_t>(bitmapWidth) * bitmapHeight, 0u);
-        DecodeBitmap(bitmapPixels.data());
-        renderer->UpdateBitmapTexture(static_cast<int>(bgNumber), bitmapPixels.data());
+        // All of it, or the rows VRAM writes changed; a bitmap written many
+        // times between two frames is decoded once.
+        const uint32_t first = bitmapDirty ? 0 : bitmapRowsFirst;
+        const uint32_t end = bitmapDirty ? bitmapHeight : std::min(bitmapRowsEnd, bitmapHeight);
+        if (bitmapDirty)
+            bitmapPixels.assign(static_cast<size_t>(bitmapWidth) * bitmapHeight, 0u);
+        else
+            bitmapPixels.resize(static_cast<size_t>(bitmapWidth) * bitmapHeight);
+        DecodeBitmapRows(bitmapPixels.data(), first, end);
+        renderer->UpdateBitmapTexture(static_cast<int>(bgNumber), bitmapPixels.data(), static_cast<int>(first),
+                                      static_cast<int>(end - first));
         bitmapDirty = 0;
+        bitmapRowsFirst = ~0u;
+        bitmapRowsEnd = 0;
     }
     if (scaleX <= 0.0f || scaleY <= 0.0f) return;
     const int32_t width = static_cast<int32_t>(bitmapWidth), height = static_cast<int32_t>(bitmapHeight);
