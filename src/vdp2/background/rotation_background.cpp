@@ -270,31 +270,26 @@ void CRotationBackground::DrawPicture(uint32_t mode, const RotationParameterWind
     // have changed since.
     for (uint32_t s = 0; s < kPreparedSlots; ++s) prepared[s].key = ~0u;
     const int32_t dotMask = c - 1;
-    const PreparedCharacter* character = nullptr;
-    uint32_t lastKey = ~0u;  // the character position and parameter `character` was found for
     // The dot of map position (mapX, mapY) of parameter q. Dots in one
-    // character share the lookup: the name is read and the character
-    // prepared only when the character changes.
+    // character share its slot: the name is read and the character prepared
+    // when the slot holds another. Every dot looks at its slot, which costs
+    // less than guessing wrong whether the character changed.
     const auto sample = [&](const Placement& p, uint32_t q, int32_t mapX, int32_t mapY) {
-        const uint32_t key =
-            static_cast<uint32_t>(mapX >> charShift) | static_cast<uint32_t>(mapY >> charShift) << 15 | q << 30;
-        if (key != lastKey) {
-            lastKey = key;
-            // Slots by map position: the characters around the screen's
-            // view each have their own.
-            const uint32_t s = (key & (kSlotColumns - 1)) | (key >> 15 & (kSlotRows - 1)) * kSlotColumns |
-                               q * kSlotColumns * kSlotRows;
-            if (prepared[s].key != key) {
-                const uint32_t plane = static_cast<uint32_t>(4 * (mapY >> p.heightShift) + (mapX >> p.widthShift));
-                const int32_t xInPlane = mapX & (p.width - 1), yInPlane = mapY & (p.height - 1);
-                const uint32_t index = PatternIndex(static_cast<uint32_t>(xInPlane >> charShift),
-                                                    static_cast<uint32_t>(yInPlane >> charShift));
-                Prepare(s, key, p.planes[plane], index);
-            }
-            character = &prepared[s];
+        const uint32_t column = static_cast<uint32_t>(mapX >> charShift), row = static_cast<uint32_t>(mapY >> charShift);
+        const uint32_t key = column | row << 15 | q << 30;
+        // Slots by map position: the characters around the screen's view
+        // each have their own.
+        const uint32_t s = (column & (kSlotColumns - 1)) | (row & (kSlotRows - 1)) * kSlotColumns |
+                           q * kSlotColumns * kSlotRows;
+        const PreparedCharacter& character = prepared[s];
+        if (character.key != key) [[unlikely]] {
+            const uint32_t plane = static_cast<uint32_t>(4 * (mapY >> p.heightShift) + (mapX >> p.widthShift));
+            const int32_t xInPlane = mapX & (p.width - 1), yInPlane = mapY & (p.height - 1);
+            const uint32_t index = PatternIndex(static_cast<uint32_t>(xInPlane >> charShift),
+                                                static_cast<uint32_t>(yInPlane >> charShift));
+            Prepare(s, key, p.planes[plane], index);
         }
-        return character->dots[((mapY & dotMask) ^ character->flipY) << charShift |
-                               ((mapX & dotMask) ^ character->flipX)];
+        return character.dots[((mapY & dotMask) ^ character.flipY) << charShift | ((mapX & dotMask) ^ character.flipX)];
     };
     const auto mapX = [](const Column& col, const Placement& p, uint32_t q, float kx) {
         return Truncate((col.dX[q] + p.xsp) * kx + p.xp) & p.mapXMask;
