@@ -47,6 +47,8 @@ public:
         screenWidth = width > 0 ? width : 1;
         screenHeight = height > 0 ? height : 1;
     }
+    int ScreenWidth() const { return screenWidth; }
+    int ScreenHeight() const { return screenHeight; }
     float DeviceX(int x) const { return 2.0f * static_cast<float>(x) / static_cast<float>(screenWidth) - 1.0f; }
     float DeviceY(int y) const { return 1.0f - 2.0f * static_cast<float>(y) / static_cast<float>(screenHeight); }
 

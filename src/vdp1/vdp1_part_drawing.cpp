@@ -48,11 +48,28 @@ bool Shareable(const CVdp1Part& part, const Vdp1Rgb* secondaryColors, int textur
     return true;
 }
 
+// Whether the first n corners all lie past one edge of the screen, so that
+// the part shows nothing: the driver need not transform and clip it. Two
+// dots of margin keep the wireframe's wider lines.
+bool OffScreen(const CDrawList& list, const CVdp1Part& part, int n) {
+    constexpr int kMargin = 2;
+    const int right = list.ScreenWidth() + kMargin, bottom = list.ScreenHeight() + kMargin;
+    bool left = true, past = true, above = true, below = true;
+    for (int i = 0; i < n; ++i) {
+        const Vdp1Vertex& v = part.vertices[i];
+        left = left && v.x < -kMargin;
+        past = past && v.x > right;
+        above = above && v.y < -kMargin;
+        below = below && v.y > bottom;
+    }
+    return left || past || above || below;
+}
+
 }  // namespace
 
 void AppendSprite(CDrawList& list, const CVdp1SpritePart& part) {
     const TextureRect& r = part.textureRect;
-    if (!r.texture) return;
+    if (!r.texture || OffScreen(list, part, 4)) return;
     // Corners A, B, C, D; a flip moves the far texture edge to the other
     // side. The coordinates are the pattern's own, in a page too.
     const float sMax = part.uMax, tMax = part.vMax;
@@ -82,11 +99,13 @@ void AppendSprite(CDrawList& list, const CVdp1SpritePart& part) {
 }
 
 void AppendPolygon(CDrawList& list, const CVdp1Part& part) {
+    if (OffScreen(list, part, 4)) return;
     DrawVertex* v = list.AddShape(DrawPrimitive::kQuads, 4, !Shareable(part, nullptr));
     for (int i = 0; i < 4; ++i) v[i] = ShapeCorner(list, part, i);
 }
 
 void AppendPolyline(CDrawList& list, const CVdp1Part& part) {
+    if (OffScreen(list, part, 4)) return;
     // A closed outline: edges A-B, B-C, C-D, D-A, each drawn as a line.
     DrawVertex* v = list.AddShape(DrawPrimitive::kLines, 8);
     for (int i = 0; i < 4; ++i) {
@@ -96,6 +115,7 @@ void AppendPolyline(CDrawList& list, const CVdp1Part& part) {
 }
 
 void AppendLine(CDrawList& list, const CVdp1Part& part) {
+    if (OffScreen(list, part, 2)) return;
     DrawVertex* v = list.AddShape(DrawPrimitive::kLines, 2);
     v[0] = ShapeCorner(list, part, 0);
     v[1] = ShapeCorner(list, part, 1);

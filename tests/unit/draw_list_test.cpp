@@ -6,6 +6,8 @@
 #include <vector>
 
 #include "render/draw_list.h"
+#include "vdp1/vdp1_part_drawing.h"
+#include "vdp1/vdp1_part.h"
 
 namespace vdpgl {
 namespace {
@@ -47,6 +49,36 @@ TEST(DrawListTest, ConsolePixelsMapOntoTheDeviceSquare) {
     list.SetScreen(320, 224);
     EXPECT_EQ(std::tuple(list.DeviceX(0), list.DeviceX(160), list.DeviceX(320)), std::tuple(-1.0f, 0.0f, 1.0f));
     EXPECT_EQ(std::tuple(list.DeviceY(0), list.DeviceY(112), list.DeviceY(224)), std::tuple(1.0f, 0.0f, -1.0f));
+}
+
+TEST(DrawListTest, APartBeyondOneEdgeOfTheScreenIsLeftOutAndOneThatReachesItIsKept) {
+    struct Case {
+        const char* what;
+        int corners[4][2];
+        size_t polygonVertices, lineVertices;  // the line joins the first two corners
+    };
+    const Case cases[] = {
+        {"left", {{-50, 10}, {-3, 10}, {-3, 40}, {-50, 40}}, 0, 0},
+        {"right", {{323, 10}, {400, 10}, {400, 40}, {323, 40}}, 0, 0},
+        {"above", {{10, -40}, {40, -40}, {40, -3}, {10, -3}}, 0, 0},
+        {"below", {{10, 227}, {40, 227}, {40, 300}, {10, 300}}, 0, 0},
+        {"across the left edge", {{-50, 10}, {1, 10}, {1, 40}, {-50, 40}}, 4, 2},
+        {"within the margin", {{-2, 10}, {-1, 10}, {-1, 40}, {-2, 40}}, 4, 2},
+        {"corners past different edges", {{160, -100}, {500, 112}, {160, 400}, {-200, 112}}, 4, 2},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        CVdp1Part part;
+        for (int i = 0; i < 4; ++i)
+            part.vertices[i] = {static_cast<int16_t>(c.corners[i][0]), static_cast<int16_t>(c.corners[i][1])};
+        CDrawList list;
+        list.SetScreen(320, 224);
+        AppendPolygon(list, part);
+        EXPECT_EQ(list.VertexCount(), c.polygonVertices);
+        list.Clear();
+        AppendLine(list, part);
+        EXPECT_EQ(list.VertexCount(), c.lineVertices);
+    }
 }
 
 }  // namespace
