@@ -179,6 +179,10 @@ public:
     uint32_t palette128Stamps[16] = {};
     uint32_t palette256Stamps[8] = {};
     uint32_t paletteAllStamp = 0;
+    // Moves on when decoded character data or colour RAM changes (or the
+    // cell cache is emptied): a character's look may differ while its name
+    // stays.
+    uint32_t contentGeneration = 0;
     uint32_t colorTable[0x10000];
     CCellCacheCounters cellCache;
     // The rotation planes sample once per emulated screen dot instead of on
@@ -187,7 +191,10 @@ public:
 
 private:
     void OnVramChanged(uint32_t a) {
-        if (CVdp2CharacterPattern* cell = cells[(a & CConsoleVram::kMask) >> 5]) cell->MarkModified();
+        if (CVdp2CharacterPattern* cell = cells[(a & CConsoleVram::kMask) >> 5]) {
+            cell->MarkModified();
+            ++contentGeneration;
+        }
         for (CBitmapWriteListener* listener : bitmapWriteListeners)
             if (listener) listener->OnBitmapVramWrite(a & CConsoleVram::kMask);
     }

@@ -170,6 +170,23 @@ void CNormalBackground::LoadVisibleCharacters() {
     // Past one map's width or height (2 x 2 planes) the positions repeat: a
     // map zoomed out that far is loaded once, not once for every repeat.
     const int32_t xEnd = std::min(right + c, left + 2 * width), yEnd = std::min(bottom + c, top + 2 * height);
+    // A position whose name and generation are those its texture was last
+    // brought up to date with is passed over without reading the name.
+    const uint64_t reading = uint64_t{cellDataSize} | uint64_t{transparentDisplay} << 8 |
+                             uint64_t{characterColorNumber} << 9 | uint64_t{patternNameDataSize} << 12 |
+                             uint64_t{characterSize} << 13 | uint64_t{supplementaryPalette} << 14 |
+                             uint64_t{characterNumberSupplement} << 18 | uint64_t{supplementaryCharacterNumber} << 19 |
+                             uint64_t{vdp2->cramMode} << 24 | uint64_t{cramAddressOffset} << 26;
+    if (vdp2->contentGeneration != seenContent || reading != seenReading) {
+        seenContent = vdp2->contentGeneration;
+        seenReading = reading;
+        if (++generation == 0) {  // after 2^32 changes: no record may match by chance
+            ResetCellRecords();
+            generation = 1;
+        }
+    }
+    const uint32_t nameBytes = patternNameDataSize ? 2 : 4;
+    const CConsoleVram& vram = vdp2->vram;
     CPatternName request;
     for (int32_t y = top; y < yEnd; y += c) {
         const int32_t mapY = (y < 0 ? y + 4 * height : y) & (2 * height - 1);
@@ -180,8 +197,17 @@ void CNormalBackground::LoadVisibleCharacters() {
             const uint32_t plane = (mapX >= width ? 1u : 0u) + (mapY >= height ? 2u : 0u);
             const uint32_t index =
                 PatternIndex(static_cast<uint32_t>(xInPlane / c), static_cast<uint32_t>(yInPlane / c));
+            const uint32_t entry = (planeAddresses[plane] + index * nameBytes) & CConsoleVram::kMask;
+            const uint32_t raw = nameBytes == 2 ? vram.ReadWord(entry) : vram.ReadLong(entry);
+            CellRecord& record =
+                Record(plane, static_cast<uint32_t>(xInPlane / c), static_cast<uint32_t>(yInPlane / c));
+            if (record.generation == generation && record.rawName == raw) continue;
             request.DrawCell(*this, plane, planeAddresses[plane], index, xInPlane & ~(c - 1), yInPlane & ~(c - 1),
                              true);
+            if (request.IsPrepared()) {
+                record.rawName = raw;
+                record.generation = generation;
+            }
         }
     }
 }

@@ -21,6 +21,11 @@ namespace vdpgl {
 struct CellRecord {
     int32_t lastPatternName = -1;
     uint32_t lastStamp = 0;
+    // The name as VRAM held it and the background's generation when the
+    // texture was last brought up to date here: both the same, nothing the
+    // position shows can have changed.
+    uint32_t rawName = 0;
+    uint32_t generation = 0;  // 0: never
 };
 
 class CNormalBackground final : public CBackground, public CBitmapWriteListener {
@@ -87,6 +92,11 @@ private:
     // the background is next drawn.
     bool planesCreated = false;
     bool bitmapCreated = false;
+    // Moves on whenever what a name shows may have changed without the name
+    // changing: character data or colours, or how the background reads names.
+    uint32_t generation = 1;
+    uint32_t seenContent = 0;   // the chips' content generation it last saw
+    uint64_t seenReading = 0;   // and the fields that read names
 };
 
 }  // namespace vdpgl
