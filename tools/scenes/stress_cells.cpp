@@ -26,8 +26,6 @@ void StartScreen(CSceneBuilder& scene, const CSharedRegisters& shared) {
     scene.StartDisplay();
 }
 
-uint32_t CharacterBytes(bool colors256, bool twoByTwo) { return (colors256 ? 64u : 32u) * (twoByTwo ? 4u : 1u); }
-
 namespace {
 
 // One of eight shapes, chosen by the seed, in two colours of the seed's run.

@@ -30,9 +30,20 @@ constexpr uint32_t kCellArea = 0x30000;
 constexpr std::array<Plane, 4> kPlanes = {{
     {false, false, 0x10000, kCellArea, 12, 5},
     {true, true, 0x08000, kCellArea + 0x800, -9, 14},
-    {false, true, 0x0C000, kCellArea + 0x1800, 22, -7},
-    {true, false, 0x20000, kCellArea + 0x3800, -4, -17},
+    {false, true, 0x0C000, kCellArea + 0x4800, 22, -7},
+    {true, false, 0x20000, kCellArea + 0x6800, -4, -17},
 }};
+
+// Each background's characters lie apart from the next one's: read with
+// another colour count, they would be another background's garbage.
+constexpr bool CharactersApart() {
+    for (size_t n = 0; n + 1 < kPlanes.size(); ++n)
+        if (kPlanes[n].cellAddress + kCharacters * CharacterBytes(kPlanes[n].colors256, kPlanes[n].twoByTwo) >
+            kPlanes[n + 1].cellAddress)
+            return false;
+    return true;
+}
+static_assert(CharactersApart());
 
 int NameCount(const Plane& p) { return p.twoByTwo ? 64 * 64 : 128 * 128; }
 uint32_t PageBytes(const Plane& p) { return p.twoByTwo ? 0x1000 : 0x4000; }

@@ -72,7 +72,9 @@ private:
 // Writes `count` characters from address: varied shapes in colours 1-15
 // (16 colours: palette count dots) or 1-255, with transparent dots.
 void WriteCharacters(CSceneBuilder& scene, uint32_t address, int count, bool colors256, bool twoByTwo, int seed);
-uint32_t CharacterBytes(bool colors256, bool twoByTwo);
+constexpr uint32_t CharacterBytes(bool colors256, bool twoByTwo) {
+    return (colors256 ? 64u : 32u) * (twoByTwo ? 4u : 1u);
+}
 
 // (a) 4,000 VDP1 parts: half drawn from patterns that stay the same, half
 // from patterns, lookup tables and colour banks rewritten every frame.
