@@ -26,6 +26,7 @@ class CFrameProfile {
 public:
     void Enable() { enabled.store(true, std::memory_order_relaxed); }
     bool Enabled() const { return enabled.load(std::memory_order_relaxed); }
+    FramePhase Running() const { return running; }
 
     // Charges the time since the last switch to the running phase and makes
     // `phase` the running one; returns the phase it interrupted.
@@ -61,7 +62,8 @@ CFrameProfile& FrameProfile();
 class CPhaseScope {
 public:
     explicit CPhaseScope(FramePhase phase) : profile(FrameProfile()) {
-        if (profile.Enabled()) previous = profile.Switch(phase), active = true;
+        // Inside the same phase there is nothing to switch (and no clock to read).
+        if (profile.Enabled() && profile.Running() != phase) previous = profile.Switch(phase), active = true;
     }
     ~CPhaseScope() {
         if (active) profile.Switch(previous);
