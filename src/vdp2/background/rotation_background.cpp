@@ -289,7 +289,8 @@ void CRotationBackground::DrawPicture(uint32_t mode, const RotationParameterWind
                                                 static_cast<uint32_t>(yInPlane >> charShift));
             Prepare(s, key, p.planes[plane], index);
         }
-        return character.dots[((mapY & dotMask) ^ character.flipY) << charShift | ((mapX & dotMask) ^ character.flipX)];
+        return character.dots[((mapY & dotMask) ^ int32_t{character.flipY}) << charShift |
+                              ((mapX & dotMask) ^ int32_t{character.flipX})];
     };
     const auto mapX = [](const Column& col, const Placement& p, uint32_t q, float kx) {
         return Truncate((col.dX[q] + p.xsp) * kx + p.xp) & p.mapXMask;
@@ -420,8 +421,8 @@ void CRotationBackground::Prepare(uint32_t slot, uint32_t key, uint32_t mapAddre
     }
     const uint32_t* dots = request.Unflipped(room);
     p.dots = dots ? dots : kNoDots;
-    p.flipX = request.FlipXMask();
-    p.flipY = request.FlipYMask();
+    p.flipX = static_cast<uint16_t>(request.FlipXMask());
+    p.flipY = static_cast<uint16_t>(request.FlipYMask());
 }
 
 void CRotationBackground::GetInformation(std::string& text) const {

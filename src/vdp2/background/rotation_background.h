@@ -66,10 +66,10 @@ private:
     // (its name read, its cells found) costs more than its dots. A slot
     // points at the character's dots unflipped: a cell's own picture, or for
     // 2 x 2 cells their copy in the slot's room.
-    struct PreparedCharacter {
+    struct PreparedCharacter {  // 16 bytes: the slots of a turning picture stay in the cache
         uint32_t key = ~0u;  // character column, row << 15 and parameter << 30
+        uint16_t flipX = 0, flipY = 0;  // masks that turn a position over
         const uint32_t* dots = nullptr;
-        int32_t flipX = 0, flipY = 0;  // masks that turn a position over
     };
     static constexpr uint32_t kSlotColumns = 64, kSlotRows = 32;
     static constexpr uint32_t kPreparedSlots = kSlotColumns * kSlotRows * 2;  // for each parameter
