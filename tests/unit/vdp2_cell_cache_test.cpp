@@ -81,9 +81,9 @@ TEST_F(Vdp2CellCacheTest, TheRecordSaysWhatThePlaneTextureShows) {
     Frame();
     Draw(0x80, 1, 16, 24);
     EXPECT_EQ(record.lastStamp, first.lastStamp) << "unchanged: not written again";
-    EXPECT_EQ(record.lastPatternName, first.lastPatternName);
+    EXPECT_EQ(record.shownName, first.shownName);
     Draw(0x80, 1 | 0x4, 16, 24);  // flipped across (bit 10): another picture at this position
-    EXPECT_NE(record.lastPatternName, first.lastPatternName);
+    EXPECT_NE(record.shownName, first.shownName);
 
     vdp2->RequestCellCacheClear();
     Frame();  // the clear happens at V-blank-out, on the emulation thread

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <new>
 
 #include "common/consistency_check.h"
 #include "common/frame_profile.h"
@@ -38,14 +39,20 @@ int32_t SignedScroll(uint32_t v) { return (v & 0x400) ? static_cast<int32_t>(v |
 }  // namespace
 
 CNormalBackground::CNormalBackground(uint32_t number)
-    : CBackground(number), cellRecords(std::make_unique<CellRecord[]>(kPlanes * kRecordsPerSide * kRecordsPerSide)) {}
+    : CBackground(number) {
+    ResetCellRecords();
+}
 
 CNormalBackground::~CNormalBackground() {
     if (vdp2) vdp2->SetBitmapWriteListener(static_cast<int>(bgNumber), nullptr);
 }
 
 void CNormalBackground::ResetCellRecords() {
-    std::fill(cellRecords.get(), cellRecords.get() + kPlanes * kRecordsPerSide * kRecordsPerSide, CellRecord{});
+    // Fresh zeroed memory rather than zeros written over 1 MiB: at start-up
+    // (four backgrounds) the writing cost most of InitVDPPlugin's time.
+    constexpr size_t kRecords = size_t{kPlanes} * kRecordsPerSide * kRecordsPerSide;
+    cellRecords.reset(static_cast<CellRecord*>(std::calloc(kRecords, sizeof(CellRecord))));
+    if (!cellRecords) throw std::bad_alloc();
 }
 
 void CNormalBackground::Reset() {

@@ -7,6 +7,7 @@
 // rebuilt when a VRAM write inside the bitmap changed it, repeated across the
 // screen.
 #include <cstdint>
+#include <cstdlib>
 #include <memory>
 #include <vector>
 
@@ -18,14 +19,17 @@ namespace vdpgl {
 // What a plane texture shows at one character position: the character as
 // its request read it (address, flips, palette, colour count; -1 for
 // nothing yet) and the stamp of the pictures written there.
+// What a plane texture shows at one character position. All zero means
+// nothing: the records are made as zeroed memory, whose pages the system
+// maps only when a record is first written.
 struct CellRecord {
-    int32_t lastPatternName = -1;
-    uint32_t lastStamp = 0;
+    uint32_t shownName;  // the character's identity + 1 (0: none)
+    uint32_t lastStamp;
     // The name as VRAM held it and the background's generation when the
     // texture was last brought up to date here: both the same, nothing the
     // position shows can have changed.
-    uint32_t rawName = 0;
-    uint32_t generation = 0;  // 0: never
+    uint32_t rawName;
+    uint32_t generation;  // 0: never
 };
 
 class CNormalBackground final : public CBackground, public CBitmapWriteListener {
@@ -85,7 +89,10 @@ private:
     void AppendCellModeInformation(std::string& text) const;
     void AppendBitmapModeInformation(std::string& text) const;
 
-    std::unique_ptr<CellRecord[]> cellRecords;
+    struct FreeRecords {
+        void operator()(CellRecord* records) const { std::free(records); }
+    };
+    std::unique_ptr<CellRecord[], FreeRecords> cellRecords;
     std::vector<uint32_t> bitmapPixels;  // kept between uploads
     // False until the textures exist for the current plane layout or bitmap
     // (and after a reset, which drops what they held); they are made when

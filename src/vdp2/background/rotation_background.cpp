@@ -318,7 +318,7 @@ void CRotationBackground::DrawPicture(uint32_t mode, const RotationParameterWind
                 // kx and ky keep a coefficient's value for the dots after it;
                 // a column that reads the coefficient of the column before
                 // takes what it said.
-                if (!col.sameCoefficients || j == 0) {
+                if (!col.sameCoefficients) {  // so for the first column too
                     Parameter& p = parameters[single];
                     transparent = !p.Coefficient(vram, col.along[single], p.lineOffset, value);
                     if (!transparent) p.Apply(value, kx, ky);
@@ -332,7 +332,7 @@ void CRotationBackground::DrawPicture(uint32_t mode, const RotationParameterWind
             } else if constexpr (kWay == Way::kByCoefficient) {
                 // Parameter A unless A's coefficient says B; B's coefficient
                 // is read with A's line offset.
-                if (!col.sameCoefficients || j == 0) {
+                if (!col.sameCoefficients) {  // so for the first column too
                     Parameter &a = parameters[0], &b = parameters[1];
                     kx = a.set.kx, ky = a.set.ky;
                     chosen = 0;

@@ -145,8 +145,9 @@ void CPatternName::DrawCell(CNormalBackground& bg, uint32_t planeNumber, uint32_
         characterColorNumber << 23 | (transparentDisplay ? 1u << 26 : 0) | characterSize << 27);
     const uint32_t c = 8 * characterSize + 8;
     CellRecord& record = bg.Record(planeNumber, static_cast<uint32_t>(x) / c, static_cast<uint32_t>(y) / c);
-    if (record.lastPatternName == identity && record.lastStamp >= stamp) return;
-    record.lastPatternName = identity;
+    const uint32_t shown = static_cast<uint32_t>(identity) + 1;
+    if (record.shownName == shown && record.lastStamp >= stamp) return;
+    record.shownName = shown;
     record.lastStamp = stamp;
     Upload(bg, planeNumber, x, y);
 }
