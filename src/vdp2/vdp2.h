@@ -179,10 +179,14 @@ public:
     uint32_t palette128Stamps[16] = {};
     uint32_t palette256Stamps[8] = {};
     uint32_t paletteAllStamp = 0;
-    // Moves on when decoded character data or colour RAM changes (or the
-    // cell cache is emptied): a character's look may differ while its name
-    // stays.
+    // Moves on when decoded character data or colour RAM changes, or a
+    // cell's pictures go (the cache emptied, a cell made anew): a
+    // character's look may differ while its name stays.
     uint32_t contentGeneration = 0;
+    // Changed writes into each 8 KiB of VRAM, counted: whoever read some
+    // blocks can tell whether they changed since.
+    static constexpr uint32_t kVramBlockShift = 13;
+    uint32_t vramBlockWrites[CConsoleVram::kSize >> kVramBlockShift] = {};
     uint32_t colorTable[0x10000];
     CCellCacheCounters cellCache;
     // The rotation planes sample once per emulated screen dot instead of on
@@ -191,6 +195,7 @@ public:
 
 private:
     void OnVramChanged(uint32_t a) {
+        ++vramBlockWrites[(a & CConsoleVram::kMask) >> kVramBlockShift];
         if (CVdp2CharacterPattern* cell = cells[(a & CConsoleVram::kMask) >> 5]) {
             cell->MarkModified();
             ++contentGeneration;

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -172,6 +173,49 @@ TEST_F(Vdp2RotationTest, CoefficientDataSwitchesADotToParameterB) {
     EXPECT_EQ(rowColours(), expected);
     vdp2->WriteRegisterWord(KTCTL, 0x0002);  // A's table off: every dot on A
     EXPECT_EQ(rowColours(), std::vector<uint32_t>(256, red));
+}
+
+TEST_F(Vdp2RotationTest, WhatADrawingPreparedServesTheNextOneUntilNamesCharactersOrColoursChange) {
+    // RBG0 through an identity table: map A (page 16 in every plane) names character 0x80 everywhere, whose
+    // dots are all colour 1.
+    constexpr uint32_t kTable = 0x30000, kMap = 0x20000, kOne = 1023u << 6;
+    for (uint32_t i = 0; i < 32; ++i) vdp2->WriteVramByte(0x1000 + i, 0x11), vdp2->WriteVramByte(0x1020 + i, 0x22);
+    for (uint32_t i = 0; i < 64 * 64; ++i) vdp2->WriteVramWord(kMap + 2 * i, 0x80);
+    for (uint32_t offset : {0x10u, 0x14u, 0x1Cu, 0x2Cu}) vdp2->WriteVramLong(kTable + offset, kOne);
+    vdp2->WriteVramLong(kTable + 0x4C, 0xFFFF), vdp2->WriteVramLong(kTable + 0x50, 0xFFFF);
+    for (uint32_t i = 1; i < 4; ++i) vdp2->WriteCramWord(2 * i, static_cast<uint16_t>(0x001F << (5 * (i - 1))));
+    for (auto [reg, value] : {std::pair<uint32_t, uint16_t>{TVMD, TVMD_DISP}, {BGON, 0x0010}, {PRIR, 1},
+                              {PNCR, 0x8000}, {RPTAU, 1}, {RPTAL, 0x8000}})
+        vdp2->WriteRegisterWord(reg, value);
+    for (uint32_t k = 0; k < 8; ++k) vdp2->WriteRegisterWord(MPABRA + 2 * k, 16 << 8 | 16);
+    const auto& rbg0 = static_cast<const CRotationBackground&>(*vdp2->Background(kRbg0));
+    const auto shown = [&] {  // the picture's one colour, or 0 when it is not of one colour
+        vdp2->OnVblankOut();
+        vdp2->DrawBackgrounds(1);
+        const std::vector<uint32_t>& p = rbg0.Picture();
+        return std::all_of(p.begin(), p.begin() + 256 * 256, [&](uint32_t c) { return c == p[0]; }) ? p[0] : 0u;
+    };
+    const auto colour = [](uint16_t rgb555) { return Rgb555ToColorWord(rgb555); };
+    struct Step {
+        const char* what;
+        std::function<void()> change;
+        uint32_t expected;
+    };
+    const Step steps[] = {
+        {"first drawing", [] {}, colour(0x001F)},
+        {"nothing changed", [] {}, colour(0x001F)},
+        {"a write elsewhere in VRAM", [&] { vdp2->WriteVramWord(0x60000, 0x1234); }, colour(0x001F)},
+        {"every name rewritten", [&] { for (uint32_t i = 0; i < 64 * 64; ++i) vdp2->WriteVramWord(kMap + 2 * i, 0x81); },
+         colour(0x03E0)},
+        {"the character's data rewritten",
+         [&] { for (uint32_t i = 0; i < 32; ++i) vdp2->WriteVramByte(0x1020 + i, 0x33); }, colour(0x7C00)},
+        {"its colour changed", [&] { vdp2->WriteCramWord(6, 0x7FFF); }, colour(0x7FFF)},
+        {"the colour RAM offset moved to black", [&] { vdp2->WriteRegisterWord(CRAOFB, 0x0001); }, colour(0x0000)},
+    };
+    for (const Step& step : steps) {
+        step.change();
+        EXPECT_EQ(shown(), step.expected) << step.what;
+    }
 }
 
 }  // namespace

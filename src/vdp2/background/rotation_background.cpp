@@ -266,9 +266,12 @@ void CRotationBackground::DrawPicture(uint32_t mode, const RotationParameterWind
         col.sameCoefficients = j > 0 && col.along[0] == columnTable[static_cast<size_t>(j) - 1].along[0] &&
                                col.along[1] == columnTable[static_cast<size_t>(j) - 1].along[1];
     }
-    // Nothing prepared is kept from the last drawing: VRAM and colours may
-    // have changed since.
-    for (uint32_t s = 0; s < kPreparedSlots; ++s) prepared[s].key = ~0u;
+    // What the last drawing prepared stays unless VRAM or colours it was
+    // made from, or the way it was read, changed since.
+    if (const PreparedFor now = PreparedNow(both ? 2 : 1); !(now == preparedFor)) {
+        for (uint32_t s = 0; s < kPreparedSlots; ++s) prepared[s].key = ~0u;
+        preparedFor = now;
+    }
     const int32_t dotMask = c - 1;
     // The dot of map position (mapX, mapY) of parameter q. Dots in one
     // character share its slot: the name is read and the character prepared
@@ -407,6 +410,36 @@ void CRotationBackground::DrawPicture(uint32_t mode, const RotationParameterWind
     }
     renderer->DrawRotationBackground(static_cast<int>(bgNumber), picture.data(), columns, rows,
                                      filtered.load(std::memory_order_relaxed));
+}
+
+CRotationBackground::PreparedFor CRotationBackground::PreparedNow(uint32_t parameterCount) const {
+    PreparedFor now;
+    const CVdp2& v = *vdp2;
+    now.content = v.contentGeneration;
+    now.parameters = parameterCount;
+    // The VRAM blocks every plane's names lie in, each counted once.
+    const uint32_t c = CharacterDots(), nameBytes = patternNameDataSize ? 2 : 4;
+    uint64_t blocks = 0;
+    for (uint32_t p = 0; p < parameterCount; ++p) {
+        now.planeWidths[p] = planeWidths[p];
+        now.planeHeights[p] = planeHeights[p];
+        const uint32_t planeBytes = (planeWidths[p] / c) * (planeHeights[p] / c) * nameBytes;
+        for (uint32_t i = 0; i < kPlanes; ++i) {
+            now.planes[p][i] = planeAddresses[p][i];
+            for (uint32_t a = planeAddresses[p][i]; a < planeAddresses[p][i] + planeBytes; a += 1u << CVdp2::kVramBlockShift)
+                blocks |= uint64_t{1} << ((a & CConsoleVram::kMask) >> CVdp2::kVramBlockShift);
+            blocks |= uint64_t{1} << (((planeAddresses[p][i] + planeBytes - 1) & CConsoleVram::kMask) >>
+                                      CVdp2::kVramBlockShift);
+        }
+    }
+    for (uint32_t b = 0; b < 64; ++b)
+        if (blocks >> b & 1) now.mapWrites += v.vramBlockWrites[b];
+    now.reading[0] = cellDataSize, now.reading[1] = transparentDisplay, now.reading[2] = characterColorNumber;
+    now.reading[3] = patternNameDataSize, now.reading[4] = cramAddressOffset, now.reading[5] = characterSize;
+    now.reading[6] = supplementaryPalette, now.reading[7] = characterNumberSupplement;
+    now.reading[8] = supplementaryCharacterNumber, now.reading[9] = v.cramMode;
+    now.reading[10] = charactersPerPageLine, now.reading[11] = charactersPerPage;
+    return now;
 }
 
 void CRotationBackground::Prepare(uint32_t slot, uint32_t key, uint32_t mapAddress, uint32_t index) {

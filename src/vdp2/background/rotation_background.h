@@ -77,6 +77,20 @@ private:
     std::unique_ptr<PreparedCharacter[]> prepared;
     std::unique_ptr<uint32_t[]> preparedDots;  // kDotsPerSlot a slot, made at the first 2 x 2 character
     void Prepare(uint32_t slot, uint32_t key, uint32_t mapAddress, uint32_t index);
+    // What the prepared characters were made under. While it holds they
+    // stay from one drawing to the next: a map whose names, characters and
+    // colours did not change shows the same characters.
+    struct PreparedFor {
+        uint32_t content = ~0u;  // the chips' content generation
+        uint64_t mapWrites = 0;  // changed writes into the VRAM blocks the maps lie in, summed
+        uint32_t parameters = 0;  // 1 or 2 in use
+        uint32_t planes[2][kPlanes] = {};
+        uint32_t planeWidths[2] = {}, planeHeights[2] = {};
+        uint32_t reading[12] = {};  // the fields that read a name and its cells
+        bool operator==(const PreparedFor&) const = default;
+    };
+    PreparedFor PreparedNow(uint32_t parameterCount) const;
+    PreparedFor preparedFor;
     struct Column {
         int32_t screenX = 0, x = 0;
         float dX[2] = {}, dY[2] = {};  // x times each parameter's dX and dY

@@ -129,6 +129,8 @@ void CVdp2CharacterPattern::FreePicture(uint32_t* picture) {
 }
 
 void CVdp2CharacterPattern::DropPictures() {
+    // A picture someone points at may go: what was drawn from it is stale.
+    if (usedBlocks[0] | usedBlocks[1]) ++module.vdp2->contentGeneration;
     uint32_t dropped = 0;
     for (uint32_t word = 0; word < 2; ++word) {
         for (uint64_t bits = usedBlocks[word]; bits; bits &= bits - 1) {
