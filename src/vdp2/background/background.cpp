@@ -147,4 +147,10 @@ void CBackground::AppendCommonInformation(std::string& text) const {
         text += "priority: background not displayed\n";
 }
 
+CBackground::NameReading CBackground::ReadingOfNames() const {
+    return {{cellDataSize, transparentDisplay, characterColorNumber, patternNameDataSize, cramAddressOffset,
+             characterSize, supplementaryPalette, characterNumberSupplement, supplementaryCharacterNumber,
+             vdp2->cramMode, charactersPerPageLine, charactersPerPage}};
+}
+
 }  // namespace vdpgl

@@ -77,6 +77,15 @@ public:
     float colorOffsetMultiply[3] = {1.0f, 1.0f, 1.0f};
     float colorOffsetAdd[3] = {};
 
+    // The fields that decide how a pattern name is read and its cells
+    // decoded: while they and the chips' content stay as they were, a name
+    // shows what it showed.
+    struct NameReading {
+        uint32_t fields[12] = {};
+        bool operator==(const NameReading&) const = default;
+    };
+    NameReading ReadingOfNames() const;
+
 protected:
     // (register & fieldMasks[first][last]) >> first.
     static uint32_t Field(uint32_t registerAddress, int first, int last);

@@ -179,12 +179,8 @@ void CNormalBackground::LoadVisibleCharacters() {
     const int32_t xEnd = std::min(right + c, left + 2 * width), yEnd = std::min(bottom + c, top + 2 * height);
     // A position whose name and generation are those its texture was last
     // brought up to date with is passed over without reading the name.
-    const uint64_t reading = uint64_t{cellDataSize} | uint64_t{transparentDisplay} << 8 |
-                             uint64_t{characterColorNumber} << 9 | uint64_t{patternNameDataSize} << 12 |
-                             uint64_t{characterSize} << 13 | uint64_t{supplementaryPalette} << 14 |
-                             uint64_t{characterNumberSupplement} << 18 | uint64_t{supplementaryCharacterNumber} << 19 |
-                             uint64_t{vdp2->cramMode} << 24 | uint64_t{cramAddressOffset} << 26;
-    if (vdp2->contentGeneration != seenContent || reading != seenReading) {
+    const NameReading reading = ReadingOfNames();
+    if (vdp2->contentGeneration != seenContent || !(reading == seenReading)) {
         seenContent = vdp2->contentGeneration;
         seenReading = reading;
         if (++generation == 0) {  // after 2^32 changes: no record may match by chance

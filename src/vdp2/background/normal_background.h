@@ -103,7 +103,7 @@ private:
     // changing: character data or colours, or how the background reads names.
     uint32_t generation = 1;
     uint32_t seenContent = 0;   // the chips' content generation it last saw
-    uint64_t seenReading = 0;   // and the fields that read names
+    NameReading seenReading;    // and how it read names
 };
 
 }  // namespace vdpgl

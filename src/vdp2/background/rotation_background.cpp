@@ -434,11 +434,7 @@ CRotationBackground::PreparedFor CRotationBackground::PreparedNow(uint32_t param
     }
     for (uint32_t b = 0; b < 64; ++b)
         if (blocks >> b & 1) now.mapWrites += v.vramBlockWrites[b];
-    now.reading[0] = cellDataSize, now.reading[1] = transparentDisplay, now.reading[2] = characterColorNumber;
-    now.reading[3] = patternNameDataSize, now.reading[4] = cramAddressOffset, now.reading[5] = characterSize;
-    now.reading[6] = supplementaryPalette, now.reading[7] = characterNumberSupplement;
-    now.reading[8] = supplementaryCharacterNumber, now.reading[9] = v.cramMode;
-    now.reading[10] = charactersPerPageLine, now.reading[11] = charactersPerPage;
+    now.reading = ReadingOfNames();
     return now;
 }
 

@@ -86,7 +86,7 @@ private:
         uint32_t parameters = 0;  // 1 or 2 in use
         uint32_t planes[2][kPlanes] = {};
         uint32_t planeWidths[2] = {}, planeHeights[2] = {};
-        uint32_t reading[12] = {};  // the fields that read a name and its cells
+        NameReading reading;
         bool operator==(const PreparedFor&) const = default;
     };
     PreparedFor PreparedNow(uint32_t parameterCount) const;
