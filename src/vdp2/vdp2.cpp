@@ -266,7 +266,6 @@ void CVdp2::SwitchCram() {
     const uint16_t* b = cramBuffers[1];
     for (uint32_t i = 0; i < kCramEntries; ++i) {
         if (a[i] == b[i]) continue;
-        if (paletteAllStamp != frameCounter) ++contentGeneration;
         palette16Stamps[i / 16] = frameCounter;
         palette64Stamps[i / 64] = frameCounter;
         palette128Stamps[i / 128] = frameCounter;

@@ -13,6 +13,7 @@
 #include "vdp2/background/background.h"
 #include "vdp2/background/background_names.h"
 #include "vdp2/background/bitmap_write_listener.h"
+#include "vdp2/palette_blocks.h"
 #include "vdp2/vdp2_character_pattern/vdp2_character_pattern.h"
 #include "vdp2/vdp2_registers.h"
 
@@ -110,6 +111,11 @@ public:
     uint32_t GetSpriteColor(uint32_t index) const;
     // kind 0: 16-colour block, 1: its 256-colour block, 2: any change.
     uint32_t GetPaletteStamp(uint32_t block, uint32_t kind) const;
+    // Whether a colour of one of `blocks` changed at a switch after frame
+    // `since` (a frameCounter value).
+    bool PalettesChangedSince(const PaletteBlocks& blocks, uint32_t since) const {
+        return paletteAllStamp > since && blocks.Any([&](uint32_t b) { return palette16Stamps[b] > since; });
+    }
     // The priority of a sprite from its colour word.
     uint8_t SpritePriority(uint16_t color) const {
         return spritePriorities[(color & spritePriorityMask) >> spritePriorityShift];
@@ -179,9 +185,10 @@ public:
     uint32_t palette128Stamps[16] = {};
     uint32_t palette256Stamps[8] = {};
     uint32_t paletteAllStamp = 0;
-    // Moves on when decoded character data or colour RAM changes, or a
-    // cell's pictures go (the cache emptied, a cell made anew): a
-    // character's look may differ while its name stays.
+    // Moves on when decoded character data changes or a cell's pictures go
+    // (the cache emptied, a cell made anew): a character's look may differ
+    // while its name stays. Colour changes are told by the palette stamps
+    // (PalettesChangedSince).
     uint32_t contentGeneration = 0;
     // Changed writes into each 8 KiB of VRAM, counted: whoever read some
     // blocks can tell whether they changed since.

@@ -134,11 +134,13 @@ TEST_F(HostVdp2FrameTest, ScrolledCellPlaneUnderABitmapUnderAPolygonAtOneLevelAn
     EXPECT_EQ(caches.vdp2Cells * 10 + caches.vdp2Pictures, 6u * 10 + 6) << "six characters, each with one palette";
     EXPECT_GT(caches.vdp2CellBytes, 6u * 256);
 
-    // Rewritten cell data and new bitmap dots in two rows far apart show in the next frame; so does, a frame
-    // later, a changed colour of palette 5. The names stay as they were.
+    // Rewritten cell data and new bitmap dots in two rows far apart show in the next frame; so does, after a frame
+    // that changed a colour of a palette nothing reads, a changed colour of palette 5. The names stay as they were.
     Byte(kCells + 2 * 32 + 9, 0x5A);
     Byte(kBitmap + 10 * 512 + 20, 99);
     Byte(kBitmap + 200 * 512 + 7, 98);
+    ExpectFrame(Compose({nbg1, nbg0, polygon}));
+    Cram(40 * 16 + 3, 0x7FFF);  // a palette nothing shows
     ExpectFrame(Compose({nbg1, nbg0, polygon}));
     Cram(5 * 16 + 3, 0x7FFF);
     ExpectFrame(Compose({nbg1, nbg0, polygon}));

@@ -55,6 +55,31 @@ TEST_F(Vdp2CellCacheTest, PalettesKeepTheirPicturesAndOnlyTheChangedOneIsDecoded
     EXPECT_EQ(vdp2->CellCache().Pictures(), 2u) << "decoded again in place";
 }
 
+// The planes keep what they made from colours while no colour RAM block their characters read changed: the blocks a
+// request says it read must be those whose changes make its picture stale, for every colour count and RAM mode.
+TEST_F(Vdp2CellCacheTest, APictureIsStaleExactlyWhenAColourOfTheBlocksItReadChanged) {
+    const struct { uint16_t colours, cramMode; uint32_t palette; } cases[] = {
+        {0, 0, 5}, {0, 1, 9}, {0, 2, 3}, {1, 0, 6}, {1, 1, 3}, {1, 2, 1}, {2, 1, 0}, {3, 1, 0},
+    };  // colours: CHCTLA bits 6-4 (16, 256, 2048, direct); cramMode: RAMCTL bits 13-12
+    for (const auto& c : cases) {
+        vdp2->WriteRegisterWord(RAMCTL, static_cast<uint16_t>(c.cramMode << 12));
+        vdp2->WriteRegisterWord(CHCTLA, static_cast<uint16_t>(c.colours << 4));
+        Frame();
+        const CPatternName request = Draw(0x80, c.palette);
+        ASSERT_TRUE(request.IsPrepared());
+        const PaletteBlocks read = request.PaletteBlocksRead(c.cramMode);
+        for (uint32_t block = 0; block < PaletteBlocks::kBlocks; ++block) {
+            const uint32_t since = vdp2->frameCounter, at = (block * 16 + 7) * 2;
+            vdp2->WriteCramWord(at, static_cast<uint16_t>(vdp2->ReadCramWord(at) ^ 0x1234));
+            Frame();
+            EXPECT_EQ(vdp2->PalettesChangedSince(read, since), vdp2->cells[0x1000 / 32]->NeedsDecoding(request))
+                << "colours " << c.colours << ", mode " << c.cramMode << ", palette " << c.palette << ", block "
+                << block;
+            Draw(0x80, c.palette);
+        }
+    }
+}
+
 TEST_F(Vdp2CellCacheTest, ChangedDataReplacesTheCellAndAWiderCellTakesOverTheSlotsItCovers) {
     Draw(0x80, 0);
     Draw(0x81, 0);

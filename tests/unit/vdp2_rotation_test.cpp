@@ -209,6 +209,8 @@ TEST_F(Vdp2RotationTest, WhatADrawingPreparedServesTheNextOneUntilNamesCharacter
          colour(0x03E0)},
         {"the character's data rewritten",
          [&] { for (uint32_t i = 0; i < 32; ++i) vdp2->WriteVramByte(0x1020 + i, 0x33); }, colour(0x7C00)},
+        {"nothing changed after the new data", [] {}, colour(0x7C00)},
+        {"a colour of a palette it does not read changed", [&] { vdp2->WriteCramWord(0x40, 0x7FFF); }, colour(0x7C00)},
         {"its colour changed", [&] { vdp2->WriteCramWord(6, 0x7FFF); }, colour(0x7FFF)},
         {"the colour RAM offset moved to black", [&] { vdp2->WriteRegisterWord(CRAOFB, 0x0001); }, colour(0x0000)},
     };

@@ -179,15 +179,20 @@ void CNormalBackground::LoadVisibleCharacters() {
     const int32_t xEnd = std::min(right + c, left + 2 * width), yEnd = std::min(bottom + c, top + 2 * height);
     // A position whose name and generation are those its texture was last
     // brought up to date with is passed over without reading the name.
+    // The generation moves on with character data, the way names are read
+    // and the colours of the palettes its characters read.
     const NameReading reading = ReadingOfNames();
-    if (vdp2->contentGeneration != seenContent || !(reading == seenReading)) {
+    if (vdp2->contentGeneration != seenContent || !(reading == seenReading) ||
+        vdp2->PalettesChangedSince(palettesRead, palettesSeenAt)) {
         seenContent = vdp2->contentGeneration;
         seenReading = reading;
+        palettesRead.Clear();
         if (++generation == 0) {  // after 2^32 changes: no record may match by chance
             ResetCellRecords();
             generation = 1;
         }
     }
+    palettesSeenAt = vdp2->frameCounter;
     const uint32_t nameBytes = patternNameDataSize ? 2 : 4;
     const CConsoleVram& vram = vdp2->vram;
     CPatternName request;
@@ -210,6 +215,7 @@ void CNormalBackground::LoadVisibleCharacters() {
             if (request.IsPrepared()) {
                 record.rawName = raw;
                 record.generation = generation;
+                palettesRead |= request.PaletteBlocksRead(vdp2->cramMode);
             }
         }
     }

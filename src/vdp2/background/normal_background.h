@@ -13,6 +13,7 @@
 
 #include "vdp2/background/background.h"
 #include "vdp2/background/bitmap_write_listener.h"
+#include "vdp2/palette_blocks.h"
 
 namespace vdpgl {
 
@@ -104,6 +105,10 @@ private:
     uint32_t generation = 1;
     uint32_t seenContent = 0;   // the chips' content generation it last saw
     NameReading seenReading;    // and how it read names
+    // The colour RAM blocks the characters loaded in this generation read,
+    // and the frame up to which their changes were looked at.
+    PaletteBlocks palettesRead;
+    uint32_t palettesSeenAt = 0;
 };
 
 }  // namespace vdpgl

@@ -268,10 +268,13 @@ void CRotationBackground::DrawPicture(uint32_t mode, const RotationParameterWind
     }
     // What the last drawing prepared stays unless VRAM or colours it was
     // made from, or the way it was read, changed since.
-    if (const PreparedFor now = PreparedNow(both ? 2 : 1); !(now == preparedFor)) {
+    if (const PreparedFor now = PreparedNow(both ? 2 : 1);
+        !(now == preparedFor) || v.PalettesChangedSince(preparedPalettes, palettesSeenAt)) {
         for (uint32_t s = 0; s < kPreparedSlots; ++s) prepared[s].key = ~0u;
         preparedFor = now;
+        preparedPalettes.Clear();
     }
+    palettesSeenAt = v.frameCounter;
     const int32_t dotMask = c - 1;
     // The dot of map position (mapX, mapY) of parameter q. Dots in one
     // character share its slot: the name is read and the character prepared
@@ -450,6 +453,7 @@ void CRotationBackground::Prepare(uint32_t slot, uint32_t key, uint32_t mapAddre
     }
     const uint32_t* dots = request.Unflipped(room);
     p.dots = dots ? dots : kNoDots;
+    if (dots) preparedPalettes |= request.PaletteBlocksRead(vdp2->cramMode);
     p.flipX = static_cast<uint16_t>(request.FlipXMask());
     p.flipY = static_cast<uint16_t>(request.FlipYMask());
 }

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "vdp2/background/background.h"
+#include "vdp2/palette_blocks.h"
 #include "vdp2/vdp2_character_pattern/pattern_name.h"
 
 namespace vdpgl {
@@ -77,9 +78,10 @@ private:
     std::unique_ptr<PreparedCharacter[]> prepared;
     std::unique_ptr<uint32_t[]> preparedDots;  // kDotsPerSlot a slot, made at the first 2 x 2 character
     void Prepare(uint32_t slot, uint32_t key, uint32_t mapAddress, uint32_t index);
-    // What the prepared characters were made under. While it holds they
-    // stay from one drawing to the next: a map whose names, characters and
-    // colours did not change shows the same characters.
+    // What the prepared characters were made under. While it holds, and no
+    // colour of the palettes they read changed, they stay from one drawing
+    // to the next: a map whose names, characters and colours did not change
+    // shows the same characters.
     struct PreparedFor {
         uint32_t content = ~0u;  // the chips' content generation
         uint64_t mapWrites = 0;  // changed writes into the VRAM blocks the maps lie in, summed
@@ -91,6 +93,8 @@ private:
     };
     PreparedFor PreparedNow(uint32_t parameterCount) const;
     PreparedFor preparedFor;
+    PaletteBlocks preparedPalettes;  // the colour RAM blocks the prepared characters read
+    uint32_t palettesSeenAt = 0;     // the frame up to which their changes were looked at
     struct Column {
         int32_t screenX = 0, x = 0;
         float dX[2] = {}, dY[2] = {};  // x times each parameter's dX and dY

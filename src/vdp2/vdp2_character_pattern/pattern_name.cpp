@@ -80,6 +80,21 @@ void CPatternName::ComputePaletteBlock(uint32_t cramMode) {
     paletteBlock = (base & 0x7FF) / 16;
 }
 
+PaletteBlocks CPatternName::PaletteBlocksRead(uint32_t cramMode) const {
+    // The same blocks whose stamps tell the cell cache that a picture is
+    // stale: a palette's own 16 or 256 colours, twice as many words in mode
+    // 2; every block for 2048 colours; none for direct colours.
+    PaletteBlocks blocks;
+    const uint32_t wide = cramMode == 2 ? 2 : 1;
+    switch (characterColorNumber) {
+    case 0: blocks.AddRun(paletteBlock, wide); break;
+    case 1: blocks.AddRun(paletteBlock & ~15u, 16 * wide); break;
+    case 2: blocks.AddAll(); break;
+    default: break;
+    }
+    return blocks;
+}
+
 CVdp2CharacterPattern* CPatternName::GetCell(uint32_t k) {
     CVdp2& vdp2 = *module().vdp2;
     const uint32_t address = (characterAddress + k * cellDataSize) & CConsoleVram::kMask;

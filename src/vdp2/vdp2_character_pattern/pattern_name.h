@@ -6,6 +6,8 @@
 // into the background's plane texture when that does not show them yet.
 #include <cstdint>
 
+#include "vdp2/palette_blocks.h"
+
 namespace vdpgl {
 
 class CBackground;
@@ -40,6 +42,10 @@ struct CPatternName {
     // The masks that flip a dot's position in the character.
     int32_t FlipXMask() const { return flipX; }
     int32_t FlipYMask() const { return flipY; }
+    // The colour RAM blocks the prepared character's pictures were made
+    // from (in colour RAM mode `cramMode`): a change in one of them makes
+    // them stale, one elsewhere does not.
+    PaletteBlocks PaletteBlocksRead(uint32_t cramMode) const;
     // The prepared character as 8 x 8 or 16 x 16 colour words, flipped.
     void DrawCharacterToBuffer(uint32_t* destination) const;
 
