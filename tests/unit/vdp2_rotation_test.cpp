@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <functional>
 #include <string>
 #include <vector>
@@ -9,6 +10,7 @@
 #include "common/color_word.h"
 #include "vdp2/background/rotation_background.h"
 #include "vdp2/background/rotation_parameters.h"
+#include "vdp2/background/rotation_row_sampler.h"
 #include "vdp2/background/rotation_window.h"
 #include "vdp_test.h"
 
@@ -217,6 +219,72 @@ TEST_F(Vdp2RotationTest, WhatADrawingPreparedServesTheNextOneUntilNamesCharacter
     for (const Step& step : steps) {
         step.change();
         EXPECT_EQ(shown(), step.expected) << step.what;
+    }
+}
+
+
+// The picture sampled eight dots at a time is the one sampled dot by dot: every parameter mode, one- and two-cell
+// characters with flips and palettes, turned and zoomed, zoomed so far out that neighbouring dots' characters
+// share slots, and a table whose values no 32-bit integer holds.
+TEST_F(Vdp2RotationTest, EightDotsAtATimeGiveWhatOneAtATimeGives) {
+    constexpr uint32_t kTables = 0x30000, kCoefficients = 0x40000, kMap = 0x20000;
+    const bool vector = AllowRowVectorSampling(true);
+    if (!vector) {
+        GTEST_SKIP() << "this processor has no AVX2: only one dot at a time";
+    }
+    for (uint32_t i = 0; i < 1024; ++i) vdp2->WriteCramWord(i * 2, static_cast<uint16_t>(i * 37));
+    for (uint32_t i = 0x1000; i < 0x14000; ++i) vdp2->WriteVramByte(i, static_cast<uint8_t>(i * 13 + i / 64));
+    for (uint32_t i = 0; i < 64 * 64; ++i)
+        vdp2->WriteVramWord(kMap + i * 2, static_cast<uint16_t>((i % 7) << 12 | (i * 7 % 4) << 10 | (0x80 + i % 512)));
+    for (uint32_t y = 0; y < 256; ++y)
+        vdp2->WriteVramWord(kCoefficients + 2 * y, y % 5 == 0 ? 0x8000 : static_cast<uint16_t>(0x200 + 37 * y % 0x300));
+    const auto fixed = [](double v, int bits) {
+        const int32_t n = static_cast<int32_t>(std::lround(v * 1023.0));
+        const uint32_t mask = (1u << bits) - 1;
+        return ((n >= 0 ? static_cast<uint32_t>(n) : (static_cast<uint32_t>(n - 1) & mask)) & mask) << 6;
+    };
+    for (auto [reg, value] : {std::pair<uint32_t, uint16_t>{TVMD, TVMD_DISP}, {BGON, 0x0010}, {PRIR, 1}, {PNCR, 0x8000},
+                              {RPTAU, 1}, {RPTAL, 0x8000}, {KTAOF, 0x0202}, {WCTLD, 0x0002}, {WPSX0, 80},
+                              {WPSX0 + 2, 56}, {WPSX0 + 4, 239}, {WPSX0 + 6, 167}})
+        vdp2->WriteRegisterWord(reg, value);
+    for (uint32_t k = 0; k < 16; ++k) vdp2->WriteRegisterWord(MPABRA + 2 * k, 16 << 8 | 16);
+    const auto& rbg0 = static_cast<const CRotationBackground&>(*vdp2->Background(kRbg0));
+    struct Case {
+        uint16_t mode, coefficients, twoByTwo;
+        double angle, zoom;
+    };
+    const Case cases[] = {
+        {0, 0, 0, 0.5236, 1.5}, {1, 0x0003, 1, -1.2, 0.7},  {2, 0x0003, 0, 0.3, 1.0},  {2, 0x0007, 1, 2.0, 1.3},
+        {3, 0x0003, 0, 0.9, 1.1}, {0, 0, 0, 0.2, 40.0},     {2, 0x0003, 1, 1.0, 900.0}, {0, 0x000B, 0, 0.1, 0.05},
+    };
+    for (const Case& c : cases) {
+        for (uint32_t t = 0; t < 2; ++t) {
+            const uint32_t table = kTables + t * 0x80;
+            const auto put = [&](uint32_t offset, uint32_t v) { vdp2->WriteVramLong(table + offset, v); };
+            const double angle = c.angle + t * 0.4, zoom = c.zoom * (t ? 0.8 : 1.0);
+            put(0x10, fixed(1.0, 13)), put(0x14, fixed(1.0, 13));
+            put(0x1C, fixed(zoom * std::cos(angle), 14)), put(0x20, fixed(-zoom * std::sin(angle), 14));
+            put(0x28, fixed(zoom * std::sin(angle), 14)), put(0x2C, fixed(zoom * std::cos(angle), 14));
+            put(0x44, fixed(t ? 100.0 : -37.5, 24)), put(0x48, fixed(t ? -3.0 : 250.0, 24));
+            put(0x4C, 0xFFFF), put(0x50, 0xFFFF);
+            put(0x58, fixed(1.0, 20)), put(0x5C, fixed(0.25, 20));
+        }
+        vdp2->WriteRegisterWord(RPMD, c.mode);
+        vdp2->WriteRegisterWord(KTCTL, static_cast<uint16_t>(c.coefficients | c.coefficients << 8));
+        vdp2->WriteRegisterWord(CHCTLB, static_cast<uint16_t>(c.twoByTwo << 8));
+        std::vector<uint32_t> pictures[2];
+        for (bool eight : {true, false}) {
+            AllowRowVectorSampling(eight);
+            vdp2->OnVblankOut();
+            vdp2->DrawBackgrounds(1);
+            pictures[eight].assign(rbg0.Picture().begin(), rbg0.Picture().begin() + 256 * 256);
+        }
+        AllowRowVectorSampling(true);
+        const long shown = std::count_if(pictures[0].begin(), pictures[0].end(), [](uint32_t d) { return d != 0; });
+        EXPECT_TRUE(pictures[0] == pictures[1]) << "mode " << c.mode << ", zoom " << c.zoom << ", " << shown << " dots shown";
+        if (c.zoom < 100.0) {
+            EXPECT_GT(shown, 1000) << "mode " << c.mode << ", zoom " << c.zoom;
+        }
     }
 }
 

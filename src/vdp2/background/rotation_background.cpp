@@ -5,9 +5,6 @@
 #include <algorithm>
 #include <cmath>
 #include <type_traits>
-#if defined(__SSE__) || defined(_M_X64)
-#include <xmmintrin.h>
-#endif
 
 #include "common/frame_profile.h"
 #include "render/opengl/opengl.h"
@@ -29,17 +26,6 @@ constexpr const char* kRotationParameterModeNames[4] = {
 constexpr const char* kPlaneNames[16] = {"plane A", "plane B", "plane C", "plane D", "plane E", "plane F",
                                          "plane G", "plane H", "plane I", "plane J", "plane K", "plane L",
                                          "plane M", "plane N", "plane O", "plane P"};
-
-// Truncation toward zero of a map coordinate, to be masked to the map: a
-// value no 32-bit integer holds (a hostile table can make one) gives a
-// number the mask turns to 0, instead of being undefined.
-int32_t Truncate(float v) {
-#if defined(__SSE__) || defined(_M_X64)
-    return _mm_cvtt_ss2si(_mm_set_ss(v));  // such a value: INT32_MIN
-#else
-    return (v > -2147483520.0f && v < 2147483520.0f) ? static_cast<int32_t>(v) : 0;
-#endif
-}
 
 // How a row's dots choose their parameter and coefficient.
 enum class Way { kSingle, kSingleWithCoefficients, kByCoefficient, kWindow };
@@ -72,11 +58,11 @@ struct CRotationBackground::Parameter {
         const float w = s.zst - static_cast<float>(s.pz);
         xsp = s.a * u + s.b * v + s.c * w;
         ysp = s.d * u + s.e * v + s.f * w;
-        lineOffset = Truncate(static_cast<float>(control.bytes) * static_cast<float>(y) * s.deltaKast);
+        lineOffset = TruncateCoordinate(static_cast<float>(control.bytes) * static_cast<float>(y) * s.deltaKast);
     }
     // How far along the coefficient table dot x reads.
     int32_t Along(int32_t x) const {
-        return Truncate(static_cast<float>(control.bytes) * static_cast<float>(x) * set.deltaKax);
+        return TruncateCoordinate(static_cast<float>(control.bytes) * static_cast<float>(x) * set.deltaKax);
     }
     // The coefficient `along` bytes into the table, with the row's line
     // offset given. Dots that share a coefficient (a table of one a line)
@@ -95,20 +81,6 @@ struct CRotationBackground::Parameter {
         if (!control.constantKx) kx = value;
         if (!control.constantKy) ky = value;
     }
-};
-
-// What a row's dots need of one parameter: where the row starts, the
-// frame's constants and the map's shape.
-struct CRotationBackground::Placement {
-    explicit Placement(const Parameter& p)
-        : xsp(p.xsp), ysp(p.ysp), xp(p.xp), yp(p.yp),
-          mapXMask(4 * p.width - 1), mapYMask(4 * p.height - 1),
-          width(p.width), height(p.height), widthShift(p.widthShift), heightShift(p.heightShift),
-          planes(p.planes) {}
-    float xsp, ysp, xp, yp;
-    int32_t mapXMask, mapYMask;  // the 4 x 4 planes of the map
-    int32_t width, height, widthShift, heightShift;
-    const uint32_t* planes;
 };
 
 CRotationBackground::CRotationBackground(uint32_t number)
@@ -251,20 +223,25 @@ void CRotationBackground::DrawPicture(uint32_t mode, const RotationParameterWind
     // What depends on the column alone, worked out once a drawing: the dot,
     // its share of each parameter's transformation and how far along each
     // coefficient table it reads.
-    columnTable.resize(static_cast<size_t>(columns));
-    for (int32_t j = 0; j < columns; ++j) {
-        Column& col = columnTable[static_cast<size_t>(j)];
-        col.screenX = perDot ? j : j * v.screenHRes / kPictureSize;
+    const size_t n = static_cast<size_t>(columns);
+    columnTable.resize(n);
+    for (uint32_t q = 0; q < 2; ++q) columnDX[q].resize(n), columnDY[q].resize(n);
+    rowParameter.resize(n);
+    rowKx.resize(n);
+    rowKy.resize(n);
+    for (size_t j = 0; j < n; ++j) {
+        Column& col = columnTable[j];
+        col.screenX = perDot ? static_cast<int32_t>(j) : static_cast<int32_t>(j) * v.screenHRes / kPictureSize;
         col.x = col.screenX / lineRatio;
         const float fx = static_cast<float>(col.x);
         for (uint32_t q = 0; q < 2; ++q) {
             const Parameter& p = parameters[q];
-            col.dX[q] = fx * p.dX;
-            col.dY[q] = fx * p.dY;
+            columnDX[q][j] = fx * p.dX;
+            columnDY[q][j] = fx * p.dY;
             col.along[q] = p.control.enabled ? p.Along(col.x) : 0;
         }
-        col.sameCoefficients = j > 0 && col.along[0] == columnTable[static_cast<size_t>(j) - 1].along[0] &&
-                               col.along[1] == columnTable[static_cast<size_t>(j) - 1].along[1];
+        col.sameCoefficients = j > 0 && col.along[0] == columnTable[j - 1].along[0] &&
+                               col.along[1] == columnTable[j - 1].along[1];
     }
     // What the last drawing prepared stays unless VRAM or colours it was
     // made from, or the way it was read, changed since.
@@ -275,20 +252,30 @@ void CRotationBackground::DrawPicture(uint32_t mode, const RotationParameterWind
         preparedPalettes.Clear();
     }
     palettesSeenAt = v.frameCounter;
+
+    RotationRow in;
+    in.columns = columns;
+    in.parameter = rowParameter.data();
+    in.kx = rowKx.data();
+    in.ky = rowKy.data();
+    for (uint32_t q = 0; q < 2; ++q) in.dX[q] = columnDX[q].data(), in.dY[q] = columnDY[q].data();
+    in.charShift = charShift;
+    in.slots = prepared.get();
     const int32_t dotMask = c - 1;
-    // The dot of map position (mapX, mapY) of parameter q. Dots in one
-    // character share its slot: the name is read and the character prepared
-    // when the slot holds another. Every dot looks at its slot, which costs
-    // less than guessing wrong whether the character changed.
-    const auto sample = [&](const Placement& p, uint32_t q, int32_t mapX, int32_t mapY) {
+    // Column j's dot, one by one. Dots in one character share its slot: the
+    // name is read and the character prepared when the slot holds another.
+    // Every dot looks at its slot, which costs less than guessing wrong
+    // whether the character changed.
+    const auto sample = [&](int32_t j) -> uint32_t {
+        const int32_t chosen = rowParameter[static_cast<size_t>(j)];
+        if (chosen < 0) return 0;
+        const uint32_t q = static_cast<uint32_t>(chosen);
+        const int32_t mapX = in.MapX(j, q), mapY = in.MapY(j, q);
         const uint32_t column = static_cast<uint32_t>(mapX >> charShift), row = static_cast<uint32_t>(mapY >> charShift);
-        const uint32_t key = column | row << 15 | q << 30;
-        // Slots by map position: the characters around the screen's view
-        // each have their own.
-        const uint32_t s = (column & (kSlotColumns - 1)) | (row & (kSlotRows - 1)) * kSlotColumns |
-                           q * kSlotColumns * kSlotRows;
+        const uint32_t key = KeyOf(column, row, q), s = SlotOf(column, row, q);
         const PreparedCharacter& character = prepared[s];
         if (character.key != key) [[unlikely]] {
+            const Parameter& p = parameters[q];
             const uint32_t plane = static_cast<uint32_t>(4 * (mapY >> p.heightShift) + (mapX >> p.widthShift));
             const int32_t xInPlane = mapX & (p.width - 1), yInPlane = mapY & (p.height - 1);
             const uint32_t index = PatternIndex(static_cast<uint32_t>(xInPlane >> charShift),
@@ -298,28 +285,21 @@ void CRotationBackground::DrawPicture(uint32_t mode, const RotationParameterWind
         return character.dots[((mapY & dotMask) ^ int32_t{character.flipY}) << charShift |
                               ((mapX & dotMask) ^ int32_t{character.flipX})];
     };
-    const auto mapX = [](const Column& col, const Placement& p, uint32_t q, float kx) {
-        return Truncate((col.dX[q] + p.xsp) * kx + p.xp) & p.mapXMask;
-    };
-    const auto mapY = [](const Column& col, const Placement& p, uint32_t q, float ky) {
-        return Truncate((col.dY[q] + p.ysp) * ky + p.yp) & p.mapYMask;
-    };
-    // One row of the grid, its loop made for one way of choosing the
-    // parameter and coefficient.
-    const auto sampleRow = [&](auto way, uint32_t* row, int32_t screenY) {
+    // Each column's parameter and coefficients for one row, by the way the
+    // parameter and coefficient are chosen.
+    const auto chooseRow = [&](auto way, int32_t screenY) {
         constexpr Way kWay = decltype(way)::value;
-        // Kept apart from the parameters, whose coefficient reads write to them.
-        const Placement place[2] = {Placement(parameters[0]), Placement(parameters[1])};
         // What the last coefficient read said: the parameter, and whether
         // its dots are transparent.
         uint32_t chosen = single;
         bool transparent = false;
-        for (int32_t j = 0; j < columns; ++j) {
-            const Column& col = columnTable[static_cast<size_t>(j)];
+        for (size_t j = 0; j < n; ++j) {
+            const Column& col = columnTable[j];
             float value = 0.0f;
             if constexpr (kWay == Way::kSingle) {
-                const Placement& p = place[single];
-                row[j] = sample(p, single, mapX(col, p, single, kx), mapY(col, p, single, ky));
+                rowParameter[j] = static_cast<int32_t>(single);
+                rowKx[j] = kx, rowKy[j] = ky;
+                continue;
             } else if constexpr (kWay == Way::kSingleWithCoefficients) {
                 // kx and ky keep a coefficient's value for the dots after it;
                 // a column that reads the coefficient of the column before
@@ -329,12 +309,6 @@ void CRotationBackground::DrawPicture(uint32_t mode, const RotationParameterWind
                     transparent = !p.Coefficient(vram, col.along[single], p.lineOffset, value);
                     if (!transparent) p.Apply(value, kx, ky);
                 }
-                if (transparent) {
-                    row[j] = 0;
-                    continue;
-                }
-                row[j] = sample(place[single], single, mapX(col, place[single], single, kx),
-                                mapY(col, place[single], single, ky));
             } else if constexpr (kWay == Way::kByCoefficient) {
                 // Parameter A unless A's coefficient says B; B's coefficient
                 // is read with A's line offset.
@@ -358,37 +332,30 @@ void CRotationBackground::DrawPicture(uint32_t mode, const RotationParameterWind
                             transparent = true;
                     }
                 }
-                if (transparent) {
-                    row[j] = 0;
-                    continue;
-                }
-                row[j] = sample(place[chosen], chosen, mapX(col, place[chosen], chosen, kx),
-                                mapY(col, place[chosen], chosen, ky));
             } else {
                 // The window tests the screen position before the line ratio.
-                const uint32_t q = window->Inside(vram, col.screenX, screenY) ? 0 : 1;
-                Parameter& p = parameters[q];
-                float x = p.set.kx, y = p.set.ky;
-                if (p.control.enabled) {
-                    if (!p.Coefficient(vram, col.along[q], p.lineOffset, value)) {
-                        row[j] = 0;
-                        continue;
-                    }
-                    p.Apply(value, x, y);
-                }
-                row[j] = sample(place[q], q, mapX(col, place[q], q, x), mapY(col, place[q], q, y));
+                chosen = window->Inside(vram, col.screenX, screenY) ? 0 : 1;
+                Parameter& p = parameters[chosen];
+                kx = p.set.kx, ky = p.set.ky;
+                transparent = p.control.enabled && !p.Coefficient(vram, col.along[chosen], p.lineOffset, value);
+                if (p.control.enabled && !transparent) p.Apply(value, kx, ky);
             }
+            rowParameter[j] = transparent ? -1 : static_cast<int32_t>(chosen);
+            rowKx[j] = kx, rowKy[j] = ky;
         }
     };
     const Way way = mode == 3                               ? Way::kWindow
                     : mode == 2                             ? Way::kByCoefficient
                     : parameters[single].control.enabled ? Way::kSingleWithCoefficients
                                                             : Way::kSingle;
+    const auto place = [](const Parameter& p) {
+        return RowPlacement{p.xsp, p.ysp, p.xp, p.yp, 4 * p.width - 1, 4 * p.height - 1};
+    };
 
     int32_t previousY = -1, previousScreenY = -1;
     for (int32_t i = 0; i < rows; ++i) {
         const int32_t screenY = perDot ? i : i * v.screenVRes / kPictureSize, y = screenY / lineRatio;
-        uint32_t* row = picture.data() + static_cast<size_t>(rows - 1 - i) * static_cast<size_t>(columns);
+        uint32_t* row = picture.data() + static_cast<size_t>(rows - 1 - i) * n;
         // A row on the line of the row before (the grid has more rows than
         // the screen has lines) is that row again, and leaves kx and ky as
         // it did; the window tests the screen line.
@@ -401,14 +368,22 @@ void CRotationBackground::DrawPicture(uint32_t mode, const RotationParameterWind
         parameters[single].StartRow(y);
         if (both) parameters[1].StartRow(y);
         switch (way) {
-        case Way::kSingle: sampleRow(std::integral_constant<Way, Way::kSingle>{}, row, screenY); break;
+        case Way::kSingle: chooseRow(std::integral_constant<Way, Way::kSingle>{}, screenY); break;
         case Way::kSingleWithCoefficients:
-            sampleRow(std::integral_constant<Way, Way::kSingleWithCoefficients>{}, row, screenY);
+            chooseRow(std::integral_constant<Way, Way::kSingleWithCoefficients>{}, screenY);
             break;
-        case Way::kByCoefficient:
-            sampleRow(std::integral_constant<Way, Way::kByCoefficient>{}, row, screenY);
-            break;
-        case Way::kWindow: sampleRow(std::integral_constant<Way, Way::kWindow>{}, row, screenY); break;
+        case Way::kByCoefficient: chooseRow(std::integral_constant<Way, Way::kByCoefficient>{}, screenY); break;
+        case Way::kWindow: chooseRow(std::integral_constant<Way, Way::kWindow>{}, screenY); break;
+        }
+        in.place[0] = place(parameters[0]);
+        in.place[1] = place(parameters[1]);
+        // Eight at a time where the processor can; a slot to prepare, and the
+        // last columns, one by one.
+        int32_t j = SampleRowVector(in, row, 0);
+        while (j < columns) {
+            const int32_t stop = RowVectorSampling() ? std::min(j + 8, columns) : columns;
+            for (; j < stop; ++j) row[j] = sample(j);
+            j = SampleRowVector(in, row, j);
         }
     }
     renderer->DrawRotationBackground(static_cast<int>(bgNumber), picture.data(), columns, rows,

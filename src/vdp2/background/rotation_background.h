@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "vdp2/background/background.h"
+#include "vdp2/background/rotation_row_sampler.h"
 #include "vdp2/palette_blocks.h"
 #include "vdp2/vdp2_character_pattern/pattern_name.h"
 
@@ -50,7 +51,6 @@ public:
 
 private:
     struct Parameter;
-    struct Placement;
 
     void DrawRotationCellMode();
     void DrawCellModeSingleParameter();
@@ -67,13 +67,6 @@ private:
     // (its name read, its cells found) costs more than its dots. A slot
     // points at the character's dots unflipped: a cell's own picture, or for
     // 2 x 2 cells their copy in the slot's room.
-    struct PreparedCharacter {  // 16 bytes: the slots of a turning picture stay in the cache
-        uint32_t key = ~0u;  // character column, row << 15 and parameter << 30
-        uint16_t flipX = 0, flipY = 0;  // masks that turn a position over
-        const uint32_t* dots = nullptr;
-    };
-    static constexpr uint32_t kSlotColumns = 64, kSlotRows = 32;
-    static constexpr uint32_t kPreparedSlots = kSlotColumns * kSlotRows * 2;  // for each parameter
     static constexpr size_t kDotsPerSlot = 16 * 16;
     std::unique_ptr<PreparedCharacter[]> prepared;
     std::unique_ptr<uint32_t[]> preparedDots;  // kDotsPerSlot a slot, made at the first 2 x 2 character
@@ -97,11 +90,15 @@ private:
     uint32_t palettesSeenAt = 0;     // the frame up to which their changes were looked at
     struct Column {
         int32_t screenX = 0, x = 0;
-        float dX[2] = {}, dY[2] = {};  // x times each parameter's dX and dY
         int32_t along[2] = {};         // bytes into each parameter's coefficient table
         bool sameCoefficients = false;  // both as in the column before
     };
     std::vector<Column> columnTable;
+    std::vector<float> columnDX[2], columnDY[2];  // each column's x times each parameter's dX and dY
+    // The row being sampled: each column's parameter (-1: transparent) and
+    // coefficients.
+    std::vector<int32_t> rowParameter;
+    std::vector<float> rowKx, rowKy;
 };
 
 }  // namespace vdpgl
