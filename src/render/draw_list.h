@@ -14,16 +14,22 @@
 
 namespace vdpgl {
 
+// Two whole numbers up to a page's side (1024) in one float, a + b x 2048:
+// exact, and taken apart again by the pattern program.
+constexpr float PackPatternPair(int a, int b) { return static_cast<float>(a + b * 2048); }
+
 // A corner in device coordinates, with its texture coordinates, primary
 // colour (which multiplies the texels) and secondary colour (added after).
 // A VDP1 pattern's corner also carries where the pattern lies in its page:
-// its texture's size and its place.
+// its texture's size and its place, each packed into one float, so that
+// they travel with s and t as one attribute (every attribute costs the
+// driver's triangle setup).
 struct DrawVertex {
     float x = 0.0f, y = 0.0f;
     float s = 0.0f, t = 0.0f;
+    float patternSize = PackPatternPair(1, 1), patternPlace = PackPatternPair(0, 0);
     float red = 0.0f, green = 0.0f, blue = 0.0f, alpha = 0.0f;
     float secondaryRed = 0.0f, secondaryGreen = 0.0f, secondaryBlue = 0.0f;
-    float patternWidth = 1.0f, patternHeight = 1.0f, patternX = 0.0f, patternY = 0.0f;
 };
 
 enum class DrawPrimitive : uint8_t { kQuads, kLines };

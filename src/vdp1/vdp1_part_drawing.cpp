@@ -88,13 +88,13 @@ void AppendSprite(CDrawList& list, const CVdp1SpritePart& part) {
     DrawVertex* v = r.pageWidth
                         ? list.AddPattern(DrawPrimitive::kQuads, r.texture, r.pageWidth, r.pageHeight, 4, alone)
                         : list.Add(DrawPrimitive::kQuads, r.texture, false, 4, alone);
-    const float w = r.width ? r.width : 1.0f, h = r.height ? r.height : 1.0f;
+    const float size = PackPatternPair(r.width ? r.width : 1, r.height ? r.height : 1);
+    const float place = PackPatternPair(r.x, r.y);
     for (int i = 0; i < 4; ++i) {
         const Vdp1Rgb& c = part.colors[i];
         const Vdp1Rgb& offset = part.secondaryColors[i];
-        v[i] = {list.DeviceX(part.vertices[i].x), list.DeviceY(part.vertices[i].y), s[i], t[i], c.red, c.green, c.blue,
-                part.alpha, offset.red, offset.green, offset.blue, w, h, static_cast<float>(r.x),
-                static_cast<float>(r.y)};
+        v[i] = {list.DeviceX(part.vertices[i].x), list.DeviceY(part.vertices[i].y), s[i], t[i], size, place, c.red,
+                c.green, c.blue, part.alpha, offset.red, offset.green, offset.blue};
     }
 }
 

@@ -20,7 +20,8 @@ void COpenGl::DrawTexturedQuad(uint32_t texture, int x1, int y1, int x2, int y2,
     const float xs[4] = {dx1, dx2, dx2, dx1}, ys[4] = {dy1, dy1, dy2, dy2};
     const float ss[4] = {s1, s2, s2, s1}, ts[4] = {t1, t1, t2, t2};
     for (int i = 0; i < 4; ++i)
-        v[i] = {xs[i], ys[i], ss[i], ts[i], red, green, blue, alpha, secondaryRed, secondaryGreen, secondaryBlue};
+        v[i] = {xs[i], ys[i], ss[i], ts[i], PackPatternPair(1, 1), PackPatternPair(0, 0), red, green, blue, alpha,
+                secondaryRed, secondaryGreen, secondaryBlue};
 }
 
 void COpenGl::DrawPlane(int bgNumber, int plane, int x1, int y1, int x2, int y2, float s1, float s2, float t1,
@@ -65,10 +66,13 @@ void COpenGl::DrawRotationBackground(int bgNumber, const uint32_t* pixels, int w
     const float s = static_cast<float>(width) / static_cast<float>(rotationTextureWidths[n]);
     const float t = static_cast<float>(height) / static_cast<float>(rotationTextureHeights[n]);
     DrawVertex* v = drawList.Add(DrawPrimitive::kQuads, texture, filtered, 4);
-    v[0] = {-1.0f, -1.0f, 0.0f, 0.0f, 1.0f, 1.0f, 1.0f, 1.0f, 0.0f, 0.0f, 0.0f};
-    v[1] = {1.0f, -1.0f, s, 0.0f, 1.0f, 1.0f, 1.0f, 1.0f, 0.0f, 0.0f, 0.0f};
-    v[2] = {1.0f, 1.0f, s, t, 1.0f, 1.0f, 1.0f, 1.0f, 0.0f, 0.0f, 0.0f};
-    v[3] = {-1.0f, 1.0f, 0.0f, t, 1.0f, 1.0f, 1.0f, 1.0f, 0.0f, 0.0f, 0.0f};
+    const float xs[4] = {-1.0f, 1.0f, 1.0f, -1.0f}, ys[4] = {-1.0f, -1.0f, 1.0f, 1.0f};
+    const float ss[4] = {0.0f, s, s, 0.0f}, ts[4] = {0.0f, 0.0f, t, t};
+    for (int i = 0; i < 4; ++i) {
+        v[i] = DrawVertex{};
+        v[i].x = xs[i], v[i].y = ys[i], v[i].s = ss[i], v[i].t = ts[i];
+        v[i].red = v[i].green = v[i].blue = v[i].alpha = 1.0f;
+    }
 }
 
 void COpenGl::FlushDrawing() {
@@ -83,6 +87,8 @@ void COpenGl::FlushDrawing() {
     const DrawVertex* base = drawList.Vertices();
     glEnableClientState(GL_VERTEX_ARRAY);
     glVertexPointer(2, GL_FLOAT, kStride, &base->x);
+    // s and t alone for the fixed pipeline; with the pattern's size and
+    // place for the pattern program.
     glEnableClientState(GL_TEXTURE_COORD_ARRAY);
     glTexCoordPointer(2, GL_FLOAT, kStride, &base->s);
     glEnableClientState(GL_COLOR_ARRAY);
@@ -91,7 +97,6 @@ void COpenGl::FlushDrawing() {
         glEnableClientState(GL_SECONDARY_COLOR_ARRAY);
         secondaryColorPointer(3, GL_FLOAT, kStride, &base->secondaryRed);
     }
-    if (patternProgram.Loaded()) patternProgram.PatternPointers(kStride, &base->patternWidth);
     bool programOn = false;
     int pageWidth = 0, pageHeight = 0;
     uint32_t texture = 0;
@@ -101,11 +106,13 @@ void COpenGl::FlushDrawing() {
         const DrawRun& run = runs[i];
         if (run.pageWidth && (!programOn || run.pageWidth != pageWidth || run.pageHeight != pageHeight)) {
             patternProgram.Begin(run.pageWidth, run.pageHeight);
+            if (!programOn) glTexCoordPointer(4, GL_FLOAT, kStride, &base->s);
             programOn = true;
             pageWidth = run.pageWidth;
             pageHeight = run.pageHeight;
         } else if (!run.pageWidth && programOn) {
             patternProgram.End();
+            glTexCoordPointer(2, GL_FLOAT, kStride, &base->s);
             programOn = false;
         }
         // Lines and quads alternate over one page: its state is set once.
@@ -146,7 +153,6 @@ void COpenGl::FlushDrawing() {
     }
     glDisable(GL_TEXTURE_2D);
     if (programOn) patternProgram.End();
-    if (patternProgram.Loaded()) patternProgram.DisablePatternPointers();
     if (secondaryColorPointer) glDisableClientState(GL_SECONDARY_COLOR_ARRAY);
     glDisableClientState(GL_COLOR_ARRAY);
     glDisableClientState(GL_TEXTURE_COORD_ARRAY);

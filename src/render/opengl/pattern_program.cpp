@@ -8,24 +8,33 @@ namespace vdpgl {
 
 namespace {
 
-// texcoord[0]: the sprite's own coordinates; texcoord[1]: the pattern's
-// texture width and height and its place in the page, in texels (one over
-// the width and height is exact: they are powers of two); env[0]: one over
-// the page's width and height. Every attribute a vertex carries costs the
-// driver's triangle setup on our thread: the reciprocals are worked out
-// here rather than sent.
+// texcoord[0]: the sprite's own coordinates, then the pattern's texture
+// width and height (w + 2048 h) and its place in the page (x + 2048 y), in
+// texels, each packed into one component: every attribute a vertex carries
+// costs the driver's triangle setup on our thread. Taking them apart is
+// exact (whole numbers below 2^24, a power of two as divisor), and so is one
+// over the width and height (powers of two). env[0]: one over the page's
+// width and height.
 constexpr const char* kProgram =
     "!!ARBfp1.0\n"
-    "TEMP c, q, texel, inv;\n"
-    "RCP inv.x, fragment.texcoord[1].x;\n"
-    "RCP inv.y, fragment.texcoord[1].y;\n"
-    "MUL c, fragment.texcoord[0], fragment.texcoord[1];\n"
+    "PARAM k = {0.00048828125, 2048.0, 0.5, 0.0};\n"
+    "TEMP c, q, texel, high, low, size, place, inv;\n"
+    "MUL high, fragment.texcoord[0].zwzw, k.x;\n"
+    "FLR high, high;\n"
+    "MAD low, -high, k.y, fragment.texcoord[0].zwzw;\n"
+    "MOV size, low;\n"
+    "MOV size.y, high.x;\n"
+    "MOV place, high.yyyy;\n"
+    "MOV place.x, low.y;\n"
+    "RCP inv.x, size.x;\n"
+    "RCP inv.y, size.y;\n"
+    "MUL c, fragment.texcoord[0], size;\n"
     "FLR c, c;\n"
     "MUL q, c, inv;\n"
     "FLR q, q;\n"
-    "MAD c, -q, fragment.texcoord[1], c;\n"
-    "ADD c, c, fragment.texcoord[1].zwzw;\n"
-    "ADD c, c, 0.5;\n"
+    "MAD c, -q, size, c;\n"
+    "ADD c, c, place;\n"
+    "ADD c, c, k.z;\n"
     "MUL c, c, program.env[0];\n"
     "TEX texel, c, texture[0], 2D;\n"
     "MUL texel, texel, fragment.color.primary;\n"
@@ -47,10 +56,9 @@ bool CPatternProgram::Load(platform::CGlContext& context) {
     bindProgram = Lookup<PFNGLBINDPROGRAMARBPROC>(context, "glBindProgramARB");
     programString = Lookup<PFNGLPROGRAMSTRINGARBPROC>(context, "glProgramStringARB");
     programEnvParameter = Lookup<PFNGLPROGRAMENVPARAMETER4FARBPROC>(context, "glProgramEnvParameter4fARB");
-    clientActiveTexture = Lookup<PFNGLCLIENTACTIVETEXTUREARBPROC>(context, "glClientActiveTexture");
     const char* extensions = reinterpret_cast<const char*>(glGetString(GL_EXTENSIONS));
     if (!extensions || !std::strstr(extensions, "GL_ARB_fragment_program") || !genPrograms || !deletePrograms ||
-        !bindProgram || !programString || !programEnvParameter || !clientActiveTexture)
+        !bindProgram || !programString || !programEnvParameter)
         return false;
     while (glGetError() != GL_NO_ERROR) {
     }
@@ -81,18 +89,5 @@ void CPatternProgram::Begin(float pageWidth, float pageHeight) {
 }
 
 void CPatternProgram::End() { glDisable(GL_FRAGMENT_PROGRAM_ARB); }
-
-void CPatternProgram::PatternPointers(GLsizei stride, const void* place) {
-    clientActiveTexture(GL_TEXTURE1);
-    glEnableClientState(GL_TEXTURE_COORD_ARRAY);
-    glTexCoordPointer(4, GL_FLOAT, stride, place);
-    clientActiveTexture(GL_TEXTURE0);
-}
-
-void CPatternProgram::DisablePatternPointers() {
-    clientActiveTexture(GL_TEXTURE1);
-    glDisableClientState(GL_TEXTURE_COORD_ARRAY);
-    clientActiveTexture(GL_TEXTURE0);
-}
 
 }  // namespace vdpgl

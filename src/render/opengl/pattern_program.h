@@ -28,10 +28,6 @@ public:
     // this size; End returns to the fixed pipeline.
     void Begin(float pageWidth, float pageHeight);
     void End();
-    // The client array of texture unit 1: each vertex's pattern size and
-    // place in the page.
-    void PatternPointers(GLsizei stride, const void* place);
-    void DisablePatternPointers();
 
 private:
     PFNGLGENPROGRAMSARBPROC genPrograms = nullptr;
@@ -39,7 +35,6 @@ private:
     PFNGLBINDPROGRAMARBPROC bindProgram = nullptr;
     PFNGLPROGRAMSTRINGARBPROC programString = nullptr;
     PFNGLPROGRAMENVPARAMETER4FARBPROC programEnvParameter = nullptr;
-    PFNGLCLIENTACTIVETEXTUREARBPROC clientActiveTexture = nullptr;
     GLuint program = 0;
 };
 
