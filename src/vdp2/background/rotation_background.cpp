@@ -293,12 +293,17 @@ void CRotationBackground::DrawPicture(uint32_t mode, const RotationParameterWind
         // its dots are transparent.
         uint32_t chosen = single;
         bool transparent = false;
+        // Held here: the stores below could otherwise be the vectors' own.
+        const Column* const columnsOf = columnTable.data();
+        int32_t* const parameterOf = rowParameter.data();
+        float* const kxOf = rowKx.data();
+        float* const kyOf = rowKy.data();
         for (size_t j = 0; j < n; ++j) {
-            const Column& col = columnTable[j];
+            const Column& col = columnsOf[j];
             float value = 0.0f;
             if constexpr (kWay == Way::kSingle) {
-                rowParameter[j] = static_cast<int32_t>(single);
-                rowKx[j] = kx, rowKy[j] = ky;
+                parameterOf[j] = static_cast<int32_t>(single);
+                kxOf[j] = kx, kyOf[j] = ky;
                 continue;
             } else if constexpr (kWay == Way::kSingleWithCoefficients) {
                 // kx and ky keep a coefficient's value for the dots after it;
@@ -340,8 +345,8 @@ void CRotationBackground::DrawPicture(uint32_t mode, const RotationParameterWind
                 transparent = p.control.enabled && !p.Coefficient(vram, col.along[chosen], p.lineOffset, value);
                 if (p.control.enabled && !transparent) p.Apply(value, kx, ky);
             }
-            rowParameter[j] = transparent ? -1 : static_cast<int32_t>(chosen);
-            rowKx[j] = kx, rowKy[j] = ky;
+            parameterOf[j] = transparent ? -1 : static_cast<int32_t>(chosen);
+            kxOf[j] = kx, kyOf[j] = ky;
         }
     };
     const Way way = mode == 3                               ? Way::kWindow

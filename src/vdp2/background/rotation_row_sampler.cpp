@@ -1,6 +1,7 @@
 #include "vdp2/background/rotation_row_sampler.h"
 
 #include <atomic>
+#include <cstddef>
 
 #if defined(__x86_64__) && (defined(__GNUC__) || defined(__clang__))
 #define VDPGL_ROW_AVX2 1
@@ -22,6 +23,13 @@ int32_t TruncateCoordinate(float v) {
 #ifdef VDPGL_ROW_AVX2
 
 namespace {
+
+constexpr uint32_t kTransparent = 0;
+
+// The eight-wide form reads a slot as four words: key, flips, pointer.
+static_assert(sizeof(PreparedCharacter) == 16 && offsetof(PreparedCharacter, key) == 0 &&
+              offsetof(PreparedCharacter, flipX) == 4 && offsetof(PreparedCharacter, flipY) == 6 &&
+              offsetof(PreparedCharacter, dots) == 8);
 
 // The same sums as RotationRow::MapX and MapY, eight lanes at a time: a
 // multiply and an add each, never fused, so that every lane rounds as the
@@ -45,9 +53,6 @@ __attribute__((target("avx2"))) int32_t SampleAvx2(const RotationRow& in, uint32
     const __m256i one = _mm256_set1_epi32(1), minusOne = _mm256_set1_epi32(-1);
     const __m256i columnMask = _mm256_set1_epi32(kSlotColumns - 1), rowMask = _mm256_set1_epi32(kSlotRows - 1);
     const __m256i low16 = _mm256_set1_epi32(0xFFFF);
-    const int* keys = reinterpret_cast<const int*>(in.slots);
-    const int* flips = keys + 1;
-    const long long* dots = reinterpret_cast<const long long*>(reinterpret_cast<const char*>(in.slots) + 8);
     const float* dXA = in.dX[0];
     const float* dXB = in.dX[1] ? in.dX[1] : in.dX[0];
     const float* dYA = in.dY[0];
@@ -77,28 +82,43 @@ __attribute__((target("avx2"))) int32_t SampleAvx2(const RotationRow& in, uint32
                                             _mm256_slli_epi32(_mm256_and_si256(line, rowMask), 6)),
                             _mm256_slli_epi32(parameter, 11)),
             opaque);
-        const __m256i slotWords = _mm256_slli_epi32(slot, 2);  // 4 words a slot
-        const __m256i held = _mm256_i32gather_epi32(keys, slotWords, 4);
+        // The eight slots, 16 bytes each, loaded whole and turned into keys,
+        // flips and pointers: cheaper than gathering each field.
+        alignas(32) uint32_t slotAt[8];
+        _mm256_store_si256(reinterpret_cast<__m256i*>(slotAt), slot);
+        const auto load = [&](int lane) {
+            return _mm_loadu_si128(reinterpret_cast<const __m128i*>(in.slots + slotAt[lane]));
+        };
+        const __m256i s04 = _mm256_set_m128i(load(4), load(0)), s15 = _mm256_set_m128i(load(5), load(1));
+        const __m256i s26 = _mm256_set_m128i(load(6), load(2)), s37 = _mm256_set_m128i(load(7), load(3));
+        const __m256i keyFlip01 = _mm256_unpacklo_epi32(s04, s15), keyFlip23 = _mm256_unpacklo_epi32(s26, s37);
+        const __m256i held = _mm256_unpacklo_epi64(keyFlip01, keyFlip23);
         const __m256i stale = _mm256_andnot_si256(_mm256_cmpeq_epi32(held, key), opaque);
         if (!_mm256_testz_si256(stale, stale)) break;  // the caller prepares this one
-        const __m256i flip = _mm256_i32gather_epi32(flips, slotWords, 4);
+        const __m256i flip = _mm256_unpackhi_epi64(keyFlip01, keyFlip23);
         const __m256i dotX = _mm256_xor_si256(_mm256_and_si256(mapX, dotMask), _mm256_and_si256(flip, low16));
         const __m256i dotY = _mm256_xor_si256(_mm256_and_si256(mapY, dotMask), _mm256_srli_epi32(flip, 16));
         const __m256i offset = _mm256_slli_epi32(_mm256_or_si256(_mm256_sll_epi32(dotY, charShift), dotX), 2);
-        const __m256i slotLongs = _mm256_slli_epi32(slot, 1);  // 2 longs a slot
-        const __m256i pointersLow = _mm256_i32gather_epi64(dots, _mm256_castsi256_si128(slotLongs), 8);
-        const __m256i pointersHigh = _mm256_i32gather_epi64(dots, _mm256_extracti128_si256(slotLongs, 1), 8);
+        const __m256i pointers0145 = _mm256_unpackhi_epi64(s04, s15), pointers2367 = _mm256_unpackhi_epi64(s26, s37);
+        const __m256i pointersLow = _mm256_permute2x128_si256(pointers0145, pointers2367, 0x20);
+        const __m256i pointersHigh = _mm256_permute2x128_si256(pointers0145, pointers2367, 0x31);
         const __m256i addressLow =
             _mm256_add_epi64(pointersLow, _mm256_cvtepi32_epi64(_mm256_castsi256_si128(offset)));
         const __m256i addressHigh =
             _mm256_add_epi64(pointersHigh, _mm256_cvtepi32_epi64(_mm256_extracti128_si256(offset, 1)));
-        // Addresses whole; transparent lanes load nothing and give 0.
-        const __m128i zero = _mm_setzero_si128();
-        const __m128i dotsLow = _mm256_mask_i64gather_epi32(zero, static_cast<const int*>(nullptr), addressLow,
-                                                            _mm256_castsi256_si128(opaque), 1);
-        const __m128i dotsHigh = _mm256_mask_i64gather_epi32(zero, static_cast<const int*>(nullptr), addressHigh,
-                                                             _mm256_extracti128_si256(opaque, 1), 1);
-        _mm256_storeu_si256(reinterpret_cast<__m256i*>(row + j), _mm256_set_m128i(dotsHigh, dotsLow));
+        // Transparent lanes read a zero of their own.
+        const __m256i none = _mm256_set1_epi64x(static_cast<long long>(reinterpret_cast<uintptr_t>(&kTransparent)));
+        alignas(32) const uint32_t* at[8];
+        _mm256_store_si256(reinterpret_cast<__m256i*>(at),
+                           _mm256_blendv_epi8(none, addressLow, _mm256_cvtepi32_epi64(_mm256_castsi256_si128(opaque))));
+        _mm256_store_si256(reinterpret_cast<__m256i*>(at + 4),
+                           _mm256_blendv_epi8(none, addressHigh,
+                                              _mm256_cvtepi32_epi64(_mm256_extracti128_si256(opaque, 1))));
+        const __m256i picked = _mm256_setr_epi32(static_cast<int>(*at[0]), static_cast<int>(*at[1]),
+                                                 static_cast<int>(*at[2]), static_cast<int>(*at[3]),
+                                                 static_cast<int>(*at[4]), static_cast<int>(*at[5]),
+                                                 static_cast<int>(*at[6]), static_cast<int>(*at[7]));
+        _mm256_storeu_si256(reinterpret_cast<__m256i*>(row + j), picked);
     }
     return j;
 }
