@@ -1,13 +1,15 @@
 #pragma once
 // CCellStaging: a plane texture's cells as a frame writes them, kept on our
-// side and handed to GL a band of 8 rows at a time. A frame rewrites cells
-// all over a plane, and on a software rasteriser each texture upload costs
-// microseconds whatever its size: one upload a band instead of one a cell.
-// The copy holds the texture's texels, so a band's span between two
-// changed cells goes up as the texture already has it. Without GL: the
-// renderer asks for the dirty spans and uploads them.
+// side and handed to GL as a few rectangles. A frame rewrites cells all over
+// a plane, and on a software rasteriser each texture upload costs
+// microseconds whatever its size, about as much as copying 2,048 texels:
+// changed cells close to each other go up together, with the unchanged
+// texels between them as the texture already has them, and those far apart
+// (the two ends of a view that wraps round the plane) apart.
+// Without GL: the renderer asks for the rectangles and uploads them.
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <vector>
 
 namespace vdpgl {
@@ -20,31 +22,35 @@ public:
     uint32_t Texture() const { return texture; }
     int Width() const { return width; }
     // An 8 x 8 cell at (x, y) inside the texture (cells lie on multiples
-    // of 8; one that does not marks the two bands it spans).
+    // of 8; one that does not marks the cells it overlaps).
     void Write(const uint32_t* cell8x8, int x, int y);
     bool Dirty() const { return dirty; }
-    // Calls upload(x, y, width, texels) for every band with changed cells
-    // (8 rows; texels start at (x, y) with rows Width() apart), then forgets
-    // the changes.
-    template <typename Upload>
-    void TakeChanges(Upload upload) {
-        for (size_t band = 0; band < left.size(); ++band) {
-            if (left[band] >= right[band]) continue;
-            const int y = static_cast<int>(band) * 8;
-            upload(left[band], y, right[band] - left[band],
-                   texels.data() + static_cast<size_t>(y) * static_cast<size_t>(width) + left[band]);
-            left[band] = width;
-            right[band] = 0;
-        }
-        dirty = false;
-    }
+    // Calls upload(x, y, width, height, texels) for rectangles that hold
+    // every changed cell (texels start at (x, y) with rows Width() apart),
+    // then forgets the changes.
+    using Upload = std::function<void(int x, int y, int width, int height, const uint32_t* texels)>;
+    void TakeChanges(const Upload& upload);
+
+    // Unchanged texels that one upload may carry rather than make two.
+    static constexpr long kMostUnchangedTexels = 2048;
 
 private:
+    struct Rectangle {
+        int x0, x1, y0, rows;
+    };
+    bool CellDirty(size_t band, int cell) const {
+        return (dirtyCells[band * wordsPerBand + static_cast<size_t>(cell) / 64] >> (cell % 64)) & 1;
+    }
+
     uint32_t texture;
     int width, height;
+    int cellsAcross;
+    size_t wordsPerBand;
     std::vector<uint32_t> texels;
-    std::vector<int> left, right;  // each band's changed span; left >= right: none
+    std::vector<uint64_t> dirtyCells;  // a bit a cell, band after band of 8 rows
     bool dirty = false;
+    // Kept between calls so that taking the changes allocates nothing.
+    std::vector<Rectangle> open, next;
 };
 
 }  // namespace vdpgl

@@ -237,8 +237,8 @@ void COpenGl::UploadStagedCells(uint32_t texture) {
     glBindTexture(GL_TEXTURE_2D, texture);
     glPixelStorei(GL_UNPACK_ALIGNMENT, 4);
     glPixelStorei(GL_UNPACK_ROW_LENGTH, staging->Width());
-    staging->TakeChanges([](int x, int y, int width, const uint32_t* texels) {
-        glTexSubImage2D(GL_TEXTURE_2D, 0, x, y, width, 8, GL_RGBA, GL_UNSIGNED_BYTE, texels);
+    staging->TakeChanges([](int x, int y, int width, int height, const uint32_t* texels) {
+        glTexSubImage2D(GL_TEXTURE_2D, 0, x, y, width, height, GL_RGBA, GL_UNSIGNED_BYTE, texels);
     });
     glPixelStorei(GL_UNPACK_ROW_LENGTH, 0);
 }
