@@ -470,13 +470,25 @@ CVdp1Texture* CVdp1CharacterPattern::AddTexture(const CVdp1SpritePart& part) {
     return FileTexture(part, id, true);
 }
 
+CVdp1Texture* CVdp1CharacterPattern::FindTexture(uint32_t key) const {
+    // Most patterns have a texture or two: looking through them costs less
+    // than hashing. One with many palettes has the store's map.
+    constexpr int kLookedThrough = 4;
+    int looked = 0;
+    for (CVdp1Texture* t = textures; t; t = t->nextOfPattern) {
+        if (t->key == key) return t;
+        if (++looked == kLookedThrough) return statics.textures.Find(this, key);
+    }
+    return nullptr;
+}
+
 Vdp1PatternMatch CVdp1CharacterPattern::Compare(const CVdp1SpritePart& part, CVdp1Texture** found) const {
     statics.log.Log("comparing pattern data\n");
     if (!HoldsCharacterOf(part)) {
         statics.log.Log("\tdifferent part\n");
         return kPatternOtherPart;
     }
-    CVdp1Texture* texture = textures ? statics.textures.Find(this, TextureKey(part)) : nullptr;
+    CVdp1Texture* texture = textures ? FindTexture(TextureKey(part)) : nullptr;
     if (found) *found = texture;
     if (!texture) {
         statics.log.Log("\tdifferent palette\n");

@@ -109,6 +109,8 @@ public:
     // Whether the pattern is the part's character and has a texture for its
     // palette; the texture itself goes to found when asked for.
     Vdp1PatternMatch Compare(const CVdp1SpritePart& part, CVdp1Texture** found = nullptr) const;
+    // This pattern's texture for the palette `key`, or nullptr.
+    CVdp1Texture* FindTexture(uint32_t key) const;
     bool FindReplacementTexture(const CVdp1SpritePart& part, Vdp1ReplacementTexture& found) const;
 
     // For the editor: the pattern as a tight width x height picture (the
