@@ -53,6 +53,7 @@ __attribute__((target("avx2"))) int32_t SampleAvx2(const RotationRow& in, uint32
     const __m256i one = _mm256_set1_epi32(1), minusOne = _mm256_set1_epi32(-1);
     const __m256i columnMask = _mm256_set1_epi32(kSlotColumns - 1), rowMask = _mm256_set1_epi32(kSlotRows - 1);
     const __m256i low16 = _mm256_set1_epi32(0xFFFF);
+    const __m256i none = _mm256_set1_epi64x(static_cast<long long>(reinterpret_cast<uintptr_t>(&kTransparent)));
     const float* dXA = in.dX[0];
     const float* dXB = in.dX[1] ? in.dX[1] : in.dX[0];
     const float* dYA = in.dY[0];
@@ -107,7 +108,6 @@ __attribute__((target("avx2"))) int32_t SampleAvx2(const RotationRow& in, uint32
         const __m256i addressHigh =
             _mm256_add_epi64(pointersHigh, _mm256_cvtepi32_epi64(_mm256_extracti128_si256(offset, 1)));
         // Transparent lanes read a zero of their own.
-        const __m256i none = _mm256_set1_epi64x(static_cast<long long>(reinterpret_cast<uintptr_t>(&kTransparent)));
         alignas(32) const uint32_t* at[8];
         _mm256_store_si256(reinterpret_cast<__m256i*>(at),
                            _mm256_blendv_epi8(none, addressLow, _mm256_cvtepi32_epi64(_mm256_castsi256_si128(opaque))));
@@ -122,10 +122,6 @@ __attribute__((target("avx2"))) int32_t SampleAvx2(const RotationRow& in, uint32
     }
     return j;
 }
-
-}  // namespace
-
-namespace {
 
 bool HasAvx2() {
     static const bool available = __builtin_cpu_supports("avx2");
