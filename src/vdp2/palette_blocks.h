@@ -27,7 +27,6 @@ struct PaletteBlocks {
         bits[1] |= other.bits[1];
         return *this;
     }
-    bool Has(uint32_t block) const { return (bits[(block & (kBlocks - 1)) / 64] >> (block % 64)) & 1; }
     // Calls f(block) for every block in the set, lowest first, until f says true;
     // returns whether one did.
     template <typename F>
