@@ -1,6 +1,7 @@
 #include "vdp1/vdp1_part_drawing.h"
 
 #include "render/draw_list.h"
+#include "render/texture_atlas.h"
 #include "vdp1/vdp1_part.h"
 
 namespace vdpgl {
@@ -66,6 +67,9 @@ bool OffScreen(const CDrawList& list, const CVdp1Part& part, int n) {
 }
 
 }  // namespace
+
+// A pattern's size and place in its page are packed two to a float.
+static_assert(CTextureAtlas::kPageSide < 2048, "PackPatternPair holds numbers below 2048");
 
 void AppendSprite(CDrawList& list, const CVdp1SpritePart& part) {
     const TextureRect& r = part.textureRect;

@@ -20,8 +20,9 @@ void COpenGl::DrawTexturedQuad(uint32_t texture, int x1, int y1, int x2, int y2,
     const float xs[4] = {dx1, dx2, dx2, dx1}, ys[4] = {dy1, dy1, dy2, dy2};
     const float ss[4] = {s1, s2, s2, s1}, ts[4] = {t1, t1, t2, t2};
     for (int i = 0; i < 4; ++i)
-        v[i] = {xs[i], ys[i], ss[i], ts[i], PackPatternPair(1, 1), PackPatternPair(0, 0), red, green, blue, alpha,
-                secondaryRed, secondaryGreen, secondaryBlue};
+        v[i] = {.x = xs[i], .y = ys[i], .s = ss[i], .t = ts[i], .red = red, .green = green, .blue = blue,
+                .alpha = alpha, .secondaryRed = secondaryRed, .secondaryGreen = secondaryGreen,
+                .secondaryBlue = secondaryBlue};
 }
 
 void COpenGl::DrawPlane(int bgNumber, int plane, int x1, int y1, int x2, int y2, float s1, float s2, float t1,
@@ -68,11 +69,8 @@ void COpenGl::DrawRotationBackground(int bgNumber, const uint32_t* pixels, int w
     DrawVertex* v = drawList.Add(DrawPrimitive::kQuads, texture, filtered, 4);
     const float xs[4] = {-1.0f, 1.0f, 1.0f, -1.0f}, ys[4] = {-1.0f, -1.0f, 1.0f, 1.0f};
     const float ss[4] = {0.0f, s, s, 0.0f}, ts[4] = {0.0f, 0.0f, t, t};
-    for (int i = 0; i < 4; ++i) {
-        v[i] = DrawVertex{};
-        v[i].x = xs[i], v[i].y = ys[i], v[i].s = ss[i], v[i].t = ts[i];
-        v[i].red = v[i].green = v[i].blue = v[i].alpha = 1.0f;
-    }
+    for (int i = 0; i < 4; ++i)
+        v[i] = {.x = xs[i], .y = ys[i], .s = ss[i], .t = ts[i], .red = 1.0f, .green = 1.0f, .blue = 1.0f, .alpha = 1.0f};
 }
 
 void COpenGl::FlushDrawing() {
